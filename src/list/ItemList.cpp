@@ -1,0 +1,122 @@
+#include "list/ItemList.h"
+
+#include <algorithm>
+#include <utility>
+
+ItemList::ItemList(QObject* parent) : QAbstractTableModel(parent) {}
+
+void ItemList::clearColumns() {
+    if (columns_.isEmpty()) {
+        return;
+    }
+    beginRemoveColumns(QModelIndex(), 0, headerCount() - 1);
+    columns_.clear();
+    endRemoveColumns();
+}
+
+void ItemList::addColumn(const QString& text, int widthTwips) {
+    beginInsertColumns(QModelIndex(), headerCount(), headerCount());
+    columns_.append(Column{text, widthTwips});
+    endInsertColumns();
+}
+
+int ItemList::addRow(const QString& text) { return insertRow(count() + 1, text); }
+
+int ItemList::insertRow(int position, const QString& text) {
+    position = std::clamp(position, 1, count() + 1);
+    beginInsertRows(QModelIndex(), position - 1, position - 1);
+    rows_.insert(position - 1, QStringList{text});
+    endInsertRows();
+    return position;
+}
+
+void ItemList::appendRows(QList<QStringList> rows) {
+    if (rows.isEmpty()) {
+        return;
+    }
+    beginInsertRows(QModelIndex(), count(), count() + static_cast<int>(rows.size()) - 1);
+    if (rows_.isEmpty()) {
+        rows_ = std::move(rows);
+    } else {
+        rows_.append(std::move(rows));
+    }
+    endInsertRows();
+}
+
+bool ItemList::removeRow(int position) {
+    if (position < 1 || position > count()) {
+        return false;
+    }
+    beginRemoveRows(QModelIndex(), position - 1, position - 1);
+    rows_.removeAt(position - 1);
+    endRemoveRows();
+    return true;
+}
+
+void ItemList::clearRows() {
+    beginResetModel();
+    rows_.clear();
+    endResetModel();
+}
+
+QString ItemList::cell(int position, int cell) const {
+    if (position < 1 || position > count() || cell < 0) {
+        return {};
+    }
+    const QStringList& row = rows_.at(position - 1);
+    return cell < row.size() ? row.at(cell) : QString();
+}
+
+bool ItemList::setCell(int position, int cell, const QString& text) {
+    if (position < 1 || position > count() || cell < 0) {
+        return false;
+    }
+    if (cell > 0 && cell >= headerCount()) {
+        return false;
+    }
+    QStringList& row = rows_[position - 1];
+    while (row.size() <= cell) {
+        row.append(QString());
+    }
+    row[cell] = text;
+    const QModelIndex at = index(position - 1, cell);
+    emit dataChanged(at, at, {Qt::DisplayRole});
+    return true;
+}
+
+void ItemList::reorder(const QList<int>& order) {
+    if (order.size() != rows_.size()) {
+        return;
+    }
+    emit layoutAboutToBeChanged();
+    QList<QStringList> next;
+    next.reserve(order.size());
+    for (int old : order) {
+        next.append(std::move(rows_[old - 1]));
+    }
+    rows_ = std::move(next);
+    emit layoutChanged();
+}
+
+int ItemList::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+int ItemList::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : headerCount();
+}
+
+QVariant ItemList::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) {
+        return {};
+    }
+    return cell(index.row() + 1, index.column());
+}
+
+QVariant ItemList::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= headerCount()) {
+        return QAbstractTableModel::headerData(section, orientation, role);
+    }
+    return columns_.at(section).text;
+}

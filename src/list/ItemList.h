@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// The one list of the program: ordered rows of text cells (the join order),
+// with the column headers beside them. Row positions count from 1. Cell 0 is
+// the row's own text (column Filename); cells 1 and up are its sub-items in
+// the order of the columns behind the first. Every cell holds the text in the
+// form in which it is shown.
+//
+// The list is also the Qt item model of the view: it hands out only the cells
+// the view asks for, so a list of 100,000 rows shows at once.
+class ItemList : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    static constexpr int kDefaultColumnWidth = 1440;  // twips: one inch
+
+    struct Column {
+        QString text;
+        int width = kDefaultColumnWidth;  // twips
+    };
+
+    explicit ItemList(QObject* parent = nullptr);
+
+    // Column headers.
+    void clearColumns();
+    void addColumn(const QString& text, int widthTwips = kDefaultColumnWidth);
+    int headerCount() const { return static_cast<int>(columns_.size()); }
+    const Column& header(int position) const { return columns_.at(position); }  // 0-based
+
+    // Rows, positions from 1.
+    int count() const { return static_cast<int>(rows_.size()); }
+    int addRow(const QString& text = QString());        // at the end; returns its position
+    int insertRow(int position, const QString& text);   // before position; returns it
+    void appendRows(QList<QStringList> rows);           // many rows at the end, one notice
+    bool removeRow(int position);
+    void clearRows();
+
+    // Cells. Reading a cell that was never written gives the empty text.
+    // Writing a sub-item beyond the last column fails (returns false) and
+    // changes nothing; cell 0 can always be written.
+    QString cell(int position, int cell) const;
+    bool setCell(int position, int cell, const QString& text);
+    const QStringList& cells(int position) const { return rows_.at(position - 1); }
+
+    // Puts the rows in a new order: order[i] is the old position (from 1) of
+    // the row that comes at position i + 1.
+    void reorder(const QList<int>& order);
+
+    // QAbstractTableModel
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+
+private:
+    QList<Column> columns_;
+    QList<QStringList> rows_;
+};

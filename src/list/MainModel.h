@@ -1,0 +1,21 @@
+#pragma once
+
+#include "list/ItemList.h"
+#include "list/ListState.h"
+#include "platform/Questions.h"
+
+class Clipboard;
+
+// What the main window owns and every routine reaches: the rows, the values
+// of the whole list, the one shared file dialog, and the ways to ask the user
+// and to reach the clipboard. The window holds one; tests make their own.
+struct MainModel {
+    MainModel(Questions& questions, Clipboard& clipboard)
+        : questions(questions), clipboard(clipboard) {}
+
+    ItemList items;
+    ListState state;
+    CommonDialog commonDialog;
+    Questions& questions;
+    Clipboard& clipboard;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+
+class Questions;
+
+// Small routines over the file system that the whole program shares. Paths use
+// the native separator "/".
+
+// The text behind the last separator; a path without one comes back whole.
+QString GetFileNameFromPath(const QString& path);
+
+// True for an existing file or folder; a path that cannot be stat'ed is missing.
+bool FileExists(const QString& path);
+
+// True when the path names an existing folder.
+bool IsDirectoryPath(const QString& path);
+
+// Creates a folder and every missing folder above it. A trailing separator is
+// removed from the caller's text, in place.
+void MakeFolderPath(QString& path);
+
+// The folder that holds the system's file-manager launcher, or the empty text.
+QString GetWindowsFolder();
+
+// The per-user data folder for the given folder id (the only one used is
+// 0x801A, the application data folder, created when missing). Shows
+// "ApplicationData Folder does not exist!" or "Invalid Folder ID!" through
+// questions when the lookup fails, and then returns the empty text.
+QString GetShellFolderPath(std::int32_t folderId, Questions& questions);
+inline constexpr std::int32_t kAppDataFolderId = 0x801A;
+
+// Opens the file manager's properties view of a file. True when it was asked.
+bool ShowFileProperties(const QString& path, std::uint32_t windowHandle = 0);
+
+// Free bytes available to the caller on the file system that holds path. The
+// caller's text is trimmed and given a trailing separator, in place. 0 on failure.
+double GetDiskFreeBytes(QString& path);
+
+// b0 + b1 * 2^8 + b2 * 2^16 + b3 * 2^24, each byte unsigned.
+double BytesToDouble(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, std::uint8_t b3);
