@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+struct MainModel;
+class ScriptDialect;
+
+// The JoinCase of the list as it stands: worked out anew on every call from the
+// list type, the fifth column header and the video codec of the first row. It
+// is never stored.
+enum class JoinCase {
+    MP3,        // an MP3 list: byte copy, then the MP3 fix (MP3.bat)
+    MPEG1V,     // first item "MPEG-1V": the MPEG-1 joiner writes TempFile, then a rename
+    MPEG2V,     // first item "MPEG-2V": byte copy, then the MPEG-2 remake (MPEG2.bat)
+    OtherMPEG,  // any other MPEG list: byte copy, then a rename
+};
+JoinCase CurrentJoinCase(const MainModel& model);
+
+// True when the fifth column header is "Video Codec" and the first row's codec
+// is "MPEG-2V" (the test that the run, the progress and the cancel repeat).
+bool IsMpeg2VideoList(const MainModel& model);
+
+// The fixed names in AppDataFolder that a join writes and the clean-up removes.
+namespace JoinNames {
+inline const QString kMarkerFolder = QStringLiteral("JoinTemp");
+inline const QString kTempFileScript = QStringLiteral("TempFile.bat");
+inline const QString kMp3Script = QStringLiteral("MP3.bat");
+inline const QString kMpeg2Script = QStringLiteral("MPEG2.bat");
+inline const QString kMp3Tool = QStringLiteral("MP3.exe");
+inline const QString kMpegTool = QStringLiteral("MPEG.exe");
+inline const QString kMpeg2Tool = QStringLiteral("MPEG2.exe");
+inline const QString kMp3Library = QStringLiteral("mingwm10.dll");
+inline const QString kMpeg2Library = QStringLiteral("pthreadGC2.dll");
+// The tools as they lie in InstallFolder.
+inline const QString kMp3ToolSource = QStringLiteral("MP3.dll");
+inline const QString kMpegToolSource = QStringLiteral("MPEG.dll");
+inline const QString kMpeg2ToolSource = QStringLiteral("MPEG2.dll");
+// The folder in AppDataFolder in which the MP3 fixer runs, so that its work
+// files land nowhere else; the MP3 fix script makes and removes it.
+inline const QString kMp3ScratchFolder = QStringLiteral("MP3Fix");
+}  // namespace JoinNames
+
+// ".vlr.mp3" for an MP3 list, ".vlr.mpg" otherwise: always 8 characters.
+QString TempFileSuffix(const MainModel& model);
+// OutputFile: the file name of the shared dialog, where the pre-flight left it.
+QString OutputFilePath(const MainModel& model);
+// TempFile: OutputFile + the suffix for the list type.
+QString TempFilePath(const MainModel& model);
+// AppDataFolder() + "/" + name.
+QString AppDataPath(const QString& name);
+
+// The dialect in which this platform's command processor reads scripts (sh).
+const ScriptDialect& PlatformDialect();
+
+// Writes the JoinScripts for the list into AppDataFolder and copies the tools
+// that the JoinCase needs from InstallFolder. outputFile comes in as OutputFile
+// and leaves as TempFile. Failures are passed over: what lies on disk decides
+// what the run does. Logs "TempFile=", "1BAT=" and "2BAT=" records when the
+// debug log is on, each showing the line as written in the dialect.
+void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptDialect& dialect);
+// The same in the platform's dialect.
+void WriteJoinScripts(const MainModel& model, QString& outputFile);
+// The same with a private copy of OutputFile from the shared dialog.
+void WriteJoinScripts(const MainModel& model);
