@@ -1,0 +1,75 @@
+#include "join/BatchDialect.h"
+
+namespace {
+QString dq(const QString& path) {
+    return u'"' + path + u'"';
+}
+}  // namespace
+
+QString BatchDialect::lineEnd() const {
+    return QStringLiteral("\r\n");
+}
+
+QString BatchDialect::childPath(const QString& folder, const QString& name) const {
+    return folder + u'\\' + name;
+}
+
+QStringList BatchDialect::headLines(const QString& host) const {
+    return {QStringLiteral("@echo off"), QStringLiteral("echo Generated with Velmora"),
+            QStringLiteral("echo Visit us at: ") + host};
+}
+
+QString BatchDialect::echoLine(const QString& text) const {
+    return QStringLiteral("echo ") + text;
+}
+
+// The command processor reads a batch file anew for every line and stops by
+// itself when the file has gone.
+QStringList BatchDialect::stopIfGoneLines(const QString&) const {
+    return {};
+}
+
+QString BatchDialect::firstCopyLine(const QString& item, const QString& tempFile) const {
+    return QStringLiteral("Copy /b ") + dq(item) + u' ' + dq(tempFile);
+}
+
+QString BatchDialect::appendCopyLine(const QString& item, const QString& tempFile) const {
+    return QStringLiteral("Copy /b ") + dq(tempFile) + u'+' + dq(item) + u' ' + dq(tempFile);
+}
+
+QString BatchDialect::mpegJoinLine(const QString& tool, const QStringList& items,
+                                   const QString& tempFile) const {
+    QString line = dq(tool) + QStringLiteral(" -j --force ");
+    for (const QString& item : items) {
+        line += dq(item) + u' ';
+    }
+    return line + QStringLiteral("-o ") + dq(tempFile);
+}
+
+QStringList BatchDialect::mp3FixLines(const Mp3Fix& fix) const {
+    return {dq(fix.fixTool) +
+            QStringLiteral(" --removedId3v1 --removeId3v2 --removeUnknown --keepLame ") +
+            dq(fix.tempFile) + u' ' + dq(fix.outputFile)};
+}
+
+bool BatchDialect::mp3FixUsesRemuxTool() const {
+    return false;
+}
+
+QString BatchDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
+                                   const QString& outputFile) const {
+    return dq(tool) + QStringLiteral(" -i ") + dq(tempFile) + QStringLiteral(" -sameq -y ") +
+           dq(outputFile);
+}
+
+QString BatchDialect::deleteFileLine(const QString& path) const {
+    return QStringLiteral("del ") + dq(path);
+}
+
+QString BatchDialect::removeMarkerLine(const QString& markerFolder) const {
+    return QStringLiteral("rmdir ") + dq(markerFolder);
+}
+
+QString BatchDialect::exitLine() const {
+    return QStringLiteral("exit");
+}

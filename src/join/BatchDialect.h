@@ -1,0 +1,25 @@
+#pragma once
+
+#include "join/ScriptDialect.h"
+
+// The Windows command processor's batch language: every path in double quotes
+// and nothing else escaped, backslash separators, CRLF line ends.
+class BatchDialect final : public ScriptDialect {
+public:
+    QString lineEnd() const override;
+    QString childPath(const QString& folder, const QString& name) const override;
+    QStringList headLines(const QString& host) const override;
+    QString echoLine(const QString& text) const override;
+    QStringList stopIfGoneLines(const QString& scriptPath) const override;
+    QString firstCopyLine(const QString& item, const QString& tempFile) const override;
+    QString appendCopyLine(const QString& item, const QString& tempFile) const override;
+    QString mpegJoinLine(const QString& tool, const QStringList& items,
+                         const QString& tempFile) const override;
+    QStringList mp3FixLines(const Mp3Fix& fix) const override;
+    bool mp3FixUsesRemuxTool() const override;
+    QString mpeg2FixLine(const QString& tool, const QString& tempFile,
+                         const QString& outputFile) const override;
+    QString deleteFileLine(const QString& path) const override;
+    QString removeMarkerLine(const QString& markerFolder) const override;
+    QString exitLine() const override;
+};

@@ -1,0 +1,208 @@
+#include "join/JoinScripts.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include "app/AppPaths.h"
+#include "app/DebugLog.h"
+#include "app/Version.h"
+#include "join/ShDialect.h"
+#include "list/MainModel.h"
+
+namespace {
+
+const QString kVideoCodecHeader = QStringLiteral("Video Codec");
+
+// The fifth column header and the codec of the first row, as the list holds them.
+bool hasVideoCodec(const MainModel& model, const QString& codec) {
+    const ItemList& items = model.items;
+    if (items.headerCount() < 5 || items.header(4).text != kVideoCodecHeader) {
+        return false;
+    }
+    return items.count() >= 1 && items.cell(1, 4) == codec;
+}
+
+bool isMp3List(const MainModel& model) {
+    return model.state.listType() == QStringLiteral("MP3");
+}
+
+bool isMpeg1VideoList(const MainModel& model) {
+    return hasVideoCodec(model, QStringLiteral("MPEG-1V"));
+}
+
+// Copies a tool from InstallFolder to AppDataFolder under its new name,
+// replacing an earlier copy. A copy that fails is passed over: the run goes by
+// what lies on disk.
+void copyFromInstallFolder(const QString& sourceName, const QString& targetName) {
+    const QString source = InstallFolder() + u'/' + sourceName;
+    const QString target = AppDataPath(targetName);
+    if (!QFile::exists(source)) {
+        return;
+    }
+    QFile::remove(target);
+    if (QFile::copy(source, target)) {
+        QFile::setPermissions(target, QFile::permissions(target) | QFile::ExeOwner |
+                                          QFile::ReadOwner | QFile::WriteOwner);
+    }
+}
+
+void log(const QString& text) {
+    if (!LogPath().isEmpty()) {
+        LogEvent(text, 4);
+    }
+}
+
+// Writes a script anew: every line followed by the dialect's line end.
+void writeScript(const QString& path, const QStringList& lines, const ScriptDialect& dialect) {
+    QString text;
+    for (const QString& line : lines) {
+        text += line + dialect.lineEnd();
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    file.write(text.toUtf8());
+    file.commit();
+}
+
+}  // namespace
+
+JoinCase CurrentJoinCase(const MainModel& model) {
+    if (isMp3List(model)) {
+        return JoinCase::MP3;
+    }
+    if (isMpeg1VideoList(model)) {
+        return JoinCase::MPEG1V;
+    }
+    if (IsMpeg2VideoList(model)) {
+        return JoinCase::MPEG2V;
+    }
+    return JoinCase::OtherMPEG;
+}
+
+bool IsMpeg2VideoList(const MainModel& model) {
+    return hasVideoCodec(model, QStringLiteral("MPEG-2V"));
+}
+
+QString TempFileSuffix(const MainModel& model) {
+    return isMp3List(model) ? QStringLiteral(".vlr.mp3") : QStringLiteral(".vlr.mpg");
+}
+
+QString OutputFilePath(const MainModel& model) {
+    return model.commonDialog.fileName;
+}
+
+QString TempFilePath(const MainModel& model) {
+    return OutputFilePath(model) + TempFileSuffix(model);
+}
+
+QString AppDataPath(const QString& name) {
+    return AppDataFolder() + u'/' + name;
+}
+
+const ScriptDialect& PlatformDialect() {
+    static const ShDialect dialect;
+    return dialect;
+}
+
+void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptDialect& d) {
+    using namespace JoinNames;
+    // From here on the argument holds TempFile; OUTPUT is TempFile less its
+    // 8-character suffix.
+    outputFile += TempFileSuffix(model);
+    const QString tempFile = outputFile;
+    const QString output = tempFile.left(tempFile.size() - 8);
+    log(QStringLiteral("TempFile=") + tempFile);
+
+    const QString appData = AppDataFolder();
+    const QString marker = d.childPath(appData, kMarkerFolder);
+    const QStringList head = d.headLines(Version::kPublisherHost);
+
+    // The first script: the join itself, into TempFile.
+    const QString firstScript = d.childPath(appData, kTempFileScript);
+    QStringList lines = head;
+    const int count = model.items.count();
+    if (isMpeg1VideoList(model)) {
+        copyFromInstallFolder(kMpegToolSource, kMpegTool);
+        QStringList items;
+        items.reserve(count);
+        for (int position = 1; position <= count; ++position) {
+            items << model.items.cell(position, 3);
+        }
+        lines << d.stopIfGoneLines(firstScript);
+        lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), items, tempFile);
+    } else {
+        for (int position = 1; position <= count; ++position) {
+            const QString item = model.items.cell(position, 3);
+            lines << d.stopIfGoneLines(firstScript);
+            if (position == 1) {
+                // The first line is never logged.
+                lines << d.firstCopyLine(item, tempFile);
+            } else {
+                const QString line = d.appendCopyLine(item, tempFile);
+                lines << line;
+                log(QStringLiteral("1BAT=") + line);
+            }
+        }
+    }
+    lines << d.stopIfGoneLines(firstScript);
+    lines << d.removeMarkerLine(marker);
+    lines << d.echoLine(QStringLiteral("Joined Succesfully!"));
+    lines << d.exitLine();
+    writeScript(AppDataPath(kTempFileScript), lines, d);
+
+    // The second script: the fix from TempFile into OutputFile.
+    if (isMp3List(model)) {
+        copyFromInstallFolder(kMp3ToolSource, kMp3Tool);
+        copyFromInstallFolder(kMp3Library, kMp3Library);
+        if (d.mp3FixUsesRemuxTool()) {
+            copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
+        }
+        const QString script = d.childPath(appData, kMp3Script);
+        ScriptDialect::Mp3Fix fix;
+        fix.scriptPath = script;
+        fix.fixTool = d.childPath(appData, kMp3Tool);
+        fix.remuxTool = d.childPath(appData, kMpeg2Tool);
+        fix.scratchFolder = d.childPath(appData, kMp3ScratchFolder);
+        fix.tempFile = tempFile;
+        fix.outputFile = output;
+        lines = head;
+        lines << d.echoLine(QStringLiteral("Fixing MP3 File..."));
+        lines << d.mp3FixLines(fix);
+        lines << d.echoLine(QStringLiteral("MP3 File has been fixed!"));
+        lines << d.stopIfGoneLines(script);
+        lines << d.removeMarkerLine(marker);
+        lines << d.exitLine();
+        writeScript(AppDataPath(kMp3Script), lines, d);
+        return;
+    }
+    if (IsMpeg2VideoList(model)) {
+        copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
+        copyFromInstallFolder(kMpeg2Library, kMpeg2Library);
+        const QString script = d.childPath(appData, kMpeg2Script);
+        const QString fixLine = d.mpeg2FixLine(d.childPath(appData, kMpeg2Tool), tempFile, output);
+        lines = head;
+        lines << d.echoLine(QStringLiteral("Fixing MPEG2 File..."));
+        lines << d.stopIfGoneLines(script);
+        lines << fixLine;
+        lines << d.echoLine(QStringLiteral("MPEG2 File has been fixed!"));
+        lines << d.stopIfGoneLines(script);
+        lines << d.removeMarkerLine(marker);
+        lines << d.exitLine();
+        writeScript(AppDataPath(kMpeg2Script), lines, d);
+        // The record names a delete that no script holds: TempFile is removed
+        // by the run once it has looked at what the tool left.
+        log(QStringLiteral("2BAT=") + fixLine);
+        log(QStringLiteral("2BAT=") + d.deleteFileLine(tempFile));
+    }
+}
+
+void WriteJoinScripts(const MainModel& model, QString& outputFile) {
+    WriteJoinScripts(model, outputFile, PlatformDialect());
+}
+
+void WriteJoinScripts(const MainModel& model) {
+    QString outputFile = OutputFilePath(model);
+    WriteJoinScripts(model, outputFile);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The text of the JoinScripts in one command language. WriteJoinScripts decides
+// what goes into which script and in what order; a dialect turns each step into
+// the lines of its language. Paths are handed in as they stand and come out
+// quoted as the language needs.
+class ScriptDialect {
+public:
+    // What the MP3 fix works with: the folders and tools in AppDataFolder and
+    // the two files of the join.
+    struct Mp3Fix {
+        QString scriptPath;     // the fix script itself
+        QString fixTool;        // the MP3 fixer
+        QString remuxTool;      // the MPEG-2 tool, for dialects that need a second step
+        QString scratchFolder;  // the fixer's working folder
+        QString tempFile;
+        QString outputFile;
+    };
+
+    virtual ~ScriptDialect() = default;
+
+    // Written after every line.
+    virtual QString lineEnd() const = 0;
+    // The path of a file in a folder, with this language's separator.
+    virtual QString childPath(const QString& folder, const QString& name) const = 0;
+
+    // The three lines every script starts with.
+    virtual QStringList headLines(const QString& host) const = 0;
+    virtual QString echoLine(const QString& text) const = 0;
+    // Lines put before each command so that a script whose file has been
+    // deleted (a cancelled join) stops at the next command.
+    virtual QStringList stopIfGoneLines(const QString& scriptPath) const = 0;
+
+    // The byte copy: the first item starts TempFile, each further one is
+    // appended to it.
+    virtual QString firstCopyLine(const QString& item, const QString& tempFile) const = 0;
+    virtual QString appendCopyLine(const QString& item, const QString& tempFile) const = 0;
+    // The MPEG-1 joiner over all items at once.
+    virtual QString mpegJoinLine(const QString& tool, const QStringList& items,
+                                 const QString& tempFile) const = 0;
+    // The lines of the MP3 fix, from TempFile to OutputFile.
+    virtual QStringList mp3FixLines(const Mp3Fix& fix) const = 0;
+    // True when the MP3 fix calls the MPEG-2 tool too, which then has to be copied.
+    virtual bool mp3FixUsesRemuxTool() const = 0;
+    // The MPEG-2 remake, from TempFile to OutputFile.
+    virtual QString mpeg2FixLine(const QString& tool, const QString& tempFile,
+                                 const QString& outputFile) const = 0;
+    // The deletion of a file (named in the debug log, not in any script).
+    virtual QString deleteFileLine(const QString& path) const = 0;
+    // The removal of the marker folder that tells the run a script has ended.
+    virtual QString removeMarkerLine(const QString& markerFolder) const = 0;
+    virtual QString exitLine() const = 0;
+};

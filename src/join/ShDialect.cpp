@@ -1,0 +1,99 @@
+#include "join/ShDialect.h"
+
+namespace {
+const QString kNoInput = QStringLiteral(" < /dev/null");
+}  // namespace
+
+QString ShDialect::quote(const QString& path) {
+    QString text = path.startsWith(u'-') ? QStringLiteral("./") + path : path;
+    text.replace(u'\'', QStringLiteral("'\\''"));
+    return u'\'' + text + u'\'';
+}
+
+QString ShDialect::lineEnd() const {
+    return QStringLiteral("\n");
+}
+
+QString ShDialect::childPath(const QString& folder, const QString& name) const {
+    return folder + u'/' + name;
+}
+
+QStringList ShDialect::headLines(const QString& host) const {
+    return {QStringLiteral("#!/bin/sh"), QStringLiteral("echo Generated with Velmora"),
+            QStringLiteral("echo Visit us at: ") + host};
+}
+
+QString ShDialect::echoLine(const QString& text) const {
+    return QStringLiteral("echo ") + text;
+}
+
+// The shell reads its script once and would go on after the file has been
+// deleted; this line makes it stop as soon as the script is gone, so that a
+// cancelled join starts no further copy or tool.
+QStringList ShDialect::stopIfGoneLines(const QString& scriptPath) const {
+    return {QStringLiteral("[ -f ") + quote(scriptPath) + QStringLiteral(" ] || exit 1")};
+}
+
+QString ShDialect::firstCopyLine(const QString& item, const QString& tempFile) const {
+    return QStringLiteral("cat ") + quote(item) + QStringLiteral(" > ") + quote(tempFile) +
+           kNoInput;
+}
+
+QString ShDialect::appendCopyLine(const QString& item, const QString& tempFile) const {
+    return QStringLiteral("cat ") + quote(item) + QStringLiteral(" >> ") + quote(tempFile) +
+           kNoInput;
+}
+
+// -f overwrites an existing output without asking (the question would never
+// be answered); --force joins files whose parameters differ.
+QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
+                                const QString& tempFile) const {
+    QString line = quote(tool) + QStringLiteral(" -j -f --force ");
+    for (const QString& item : items) {
+        line += quote(item) + u' ';
+    }
+    return line + QStringLiteral("-o ") + quote(tempFile) + kNoInput;
+}
+
+// The fixer rewrites a VBR join with a header that counts every frame and drops
+// the header frames of the later files. It writes work files into its working
+// folder, so it runs in a scratch folder that is removed behind it. On a CBR
+// join it leaves no output; the raw join is then copied into a new stream by
+// the MPEG-2 tool, which writes a header that gives the whole length.
+QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
+    QStringList lines = stopIfGoneLines(fix.scriptPath);
+    lines << QStringLiteral("mkdir -p ") + quote(fix.scratchFolder) + kNoInput +
+                 QStringLiteral(" && cd ") + quote(fix.scratchFolder) + QStringLiteral(" && ") +
+                 quote(fix.fixTool) + QStringLiteral(" -ri1 -ri2 -lameinfo ") +
+                 quote(fix.tempFile) + u' ' + quote(fix.outputFile) + kNoInput;
+    lines << QStringLiteral("cd / && rm -rf ") + quote(fix.scratchFolder) + kNoInput;
+    lines << stopIfGoneLines(fix.scriptPath);
+    lines << QStringLiteral("[ -s ") + quote(fix.outputFile) + QStringLiteral(" ] || ") +
+                 quote(fix.remuxTool) + QStringLiteral(" -nostdin -i ") + quote(fix.tempFile) +
+                 QStringLiteral(" -c copy -f mp3 -y ") + quote(fix.outputFile) + kNoInput;
+    return lines;
+}
+
+bool ShDialect::mp3FixUsesRemuxTool() const {
+    return true;
+}
+
+// A stream copy into a new program stream: the old quality option is unknown
+// to the tool, and a copy keeps the MPEG-2 video as it is with new timestamps.
+QString ShDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
+                                const QString& outputFile) const {
+    return quote(tool) + QStringLiteral(" -nostdin -i ") + quote(tempFile) +
+           QStringLiteral(" -c copy -f vob -y ") + quote(outputFile) + kNoInput;
+}
+
+QString ShDialect::deleteFileLine(const QString& path) const {
+    return QStringLiteral("rm -f ") + quote(path) + kNoInput;
+}
+
+QString ShDialect::removeMarkerLine(const QString& markerFolder) const {
+    return QStringLiteral("rmdir ") + quote(markerFolder) + kNoInput;
+}
+
+QString ShDialect::exitLine() const {
+    return QStringLiteral("exit");
+}
