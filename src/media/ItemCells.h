@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <optional>
+
+// The texts of one list row for a file, cell by cell: entry i is the text of
+// cell i. An MP3 list has 12 cells (Filename, Filesize, Date Modified,
+// Filepath, Artist, Title, Album, Year, Genre, Duration, Bitrate, Hertz), any
+// other list type the 7 of an MPEG list (Filename, Filesize, Date Modified,
+// Filepath, Video Codec, Video Size, Duration). An entry without a value means
+// "leave the cell as it is": cell 3 (the path itself) always, the tag cells of
+// an MP3 file without an ID3v1 tag, the date of a missing file, and a value
+// that the media library gave in a form that isn't a number.
+using ItemCellTexts = QList<std::optional<QString>>;
+
+ItemCellTexts ItemCells(const QString& path, const QString& listType);
+
+// The size cell: bytes / 1024, rounded, thousands grouped in the default
+// locale, + " KB"; anything that rounds to 0 (under 512 bytes) reads "1 KB".
+QString FileSizeText(qint64 bytes);
+
+// The date cell: the default locale's short date and time.
+QString FileDateText(const QDateTime& modified);
+
+// The cells made of the media library's values, each from its raw text.
+// MP3 list: Duration ("61 seconds"; no value for a text that isn't a number),
+// Bitrate (the first three characters + " kbps"), Hertz (the rate, then
+// " (Stereo)" for any channel number but 0, " (Mono)" for 0, nothing more for
+// a channel text that isn't a number).
+std::optional<QString> DurationCellFromPlayTime(const QString& playTimeMs);
+QString BitrateCell(const QString& bitRate);
+QString HertzCell(const QString& samplingRate, const QString& channels);
+// MPEG list: Video Size ("352x288"; a value that is empty, not a number or
+// beyond 16 bits counts 0) and Duration ("0 seconds" when the play time isn't
+// a number or beyond 32 bits).
+QString VideoSizeCell(const QString& width, const QString& height);
+QString VideoDurationCell(const QString& playTimeMs);

@@ -1,0 +1,55 @@
+#include "media/MediaInfoFile.h"
+
+#include <cstddef>
+#include <cwchar>
+#include <string>
+
+#include "media/Utf8Locale.h"
+
+// The C interface of libmediainfo, wide-character variant.
+extern "C" {
+void* MediaInfo_New();
+void MediaInfo_Delete(void* handle);
+std::size_t MediaInfo_Open(void* handle, const wchar_t* file);
+void MediaInfo_Close(void* handle);
+const wchar_t* MediaInfo_Inform(void* handle, std::size_t reserved);
+const wchar_t* MediaInfo_Option(void* handle, const wchar_t* option, const wchar_t* value);
+}
+
+QString MediaText(const wchar_t* text) {
+    if (text == nullptr) {
+        return {};
+    }
+    return QString::fromWCharArray(text, static_cast<qsizetype>(std::wcslen(text)));
+}
+
+MediaInfoFile::MediaInfoFile(const QString& path) {
+    // The library turns the wide file name into bytes through the C locale,
+    // which must be UTF-8 for names with letters beyond ASCII.
+    EnsureUtf8CLocale();
+    handle_ = MediaInfo_New();
+    if (handle_ == nullptr) {
+        return;
+    }
+    MediaInfo_Option(handle_, L"Internet", L"no");
+    // The classic field names: "Video;%Codec%" gives "MPEG-1V" / "MPEG-2V".
+    MediaInfo_Option(handle_, L"Legacy", L"1");
+    const std::wstring file = path.toStdWString();
+    opened_ = MediaInfo_Open(handle_, file.c_str()) != 0;
+}
+
+MediaInfoFile::~MediaInfoFile() {
+    if (handle_ != nullptr) {
+        MediaInfo_Close(handle_);
+        MediaInfo_Delete(handle_);
+    }
+}
+
+QString MediaInfoFile::inform(const QString& templateText) {
+    if (handle_ == nullptr) {
+        return {};
+    }
+    const std::wstring text = templateText.toStdWString();
+    MediaInfo_Option(handle_, L"Inform", text.c_str());
+    return MediaText(MediaInfo_Inform(handle_, 0));
+}
