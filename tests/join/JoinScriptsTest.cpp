@@ -1,0 +1,517 @@
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+
+#include "ScriptTestSupport.h"
+#include "join/BatchDialect.h"
+#include "join/JoinScripts.h"
+#include "join/ShDialect.h"
+
+namespace {
+
+// The lines of a script file, which must end in the given line end and hold
+// no other.
+QStringList scriptLines(const QString& path, const QString& lineEnd) {
+    const QString text = QString::fromUtf8(ScriptTestBed::readFile(path));
+    EXPECT_TRUE(text.endsWith(lineEnd)) << path.toStdString();
+    QStringList lines = text.split(lineEnd);
+    lines.removeLast();
+    if (lineEnd == QStringLiteral("\n")) {
+        for (const QString& line : lines) {
+            EXPECT_FALSE(line.contains(u'\r')) << line.toStdString();
+        }
+    }
+    return lines;
+}
+
+QString q(const QString& path) {
+    return ShDialect::quote(path);
+}
+
+QStringList logRecords(const QString& logFile) {
+    QString text = QString::fromUtf8(ScriptTestBed::readFile(logFile));
+    QStringList records = text.split(u'\n');
+    if (!records.isEmpty() && records.last().isEmpty()) {
+        records.removeLast();
+    }
+    return records;
+}
+
+class JoinScriptsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        bed.putDummyTools();
+        items = {bed.media + QStringLiteral("/one.mp3"), bed.media + QStringLiteral("/two.mp3"),
+                 bed.media + QStringLiteral("/three.mp3")};
+        output = bed.dir.path() + QStringLiteral("/out/Joined File.mp3");
+        temp = output + QStringLiteral(".vlr.mp3");
+    }
+
+    QString app(const QString& name) const { return bed.appData + u'/' + name; }
+    QString win(const QString& name) const { return bed.appData + u'\\' + name; }
+
+    QString write(const ScriptDialect& dialect) {
+        QString path = output;
+        WriteJoinScripts(bed.model, path, dialect);
+        return path;
+    }
+
+    ScriptTestBed bed;
+    QStringList items;
+    QString output;
+    QString temp;
+    BatchDialect batch;
+    ShDialect sh;
+};
+
+// ---- batch dialect ----
+
+TEST_F(JoinScriptsTest, Batch_Mp3List_WritesCopyLinesAndFixScriptLineForLine) {
+    bed.makeMp3List(items);
+    EXPECT_EQ(write(batch), temp);
+
+    const QStringList first = scriptLines(app("TempFile.bat"), "\r\n");
+    const QStringList expectedFirst = {
+        "@echo off",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "Copy /b \"" + items[0] + "\" \"" + temp + "\"",
+        "Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\"",
+        "Copy /b \"" + temp + "\"+\"" + items[2] + "\" \"" + temp + "\"",
+        "rmdir \"" + win("JoinTemp") + "\"",
+        "echo Joined Succesfully!",
+        "exit"};
+    EXPECT_EQ(first, expectedFirst);
+
+    const QStringList fix = scriptLines(app("MP3.bat"), "\r\n");
+    const QStringList expectedFix = {
+        "@echo off",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "echo Fixing MP3 File...",
+        "\"" + win("MP3.exe") + "\" --removedId3v1 --removeId3v2 --removeUnknown --keepLame \"" +
+            temp + "\" \"" + output + "\"",
+        "echo MP3 File has been fixed!",
+        "rmdir \"" + win("JoinTemp") + "\"",
+        "exit"};
+    EXPECT_EQ(fix, expectedFix);
+    EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+}
+
+TEST_F(JoinScriptsTest, Batch_Mpeg1V_WritesOneJoinerLineWithEveryItem) {
+    items = {bed.media + "/a.mpg", bed.media + "/b c.mpg", bed.media + "/d.mpg"};
+    bed.makeMpegList(items, "MPEG-1V");
+    temp = output + ".vlr.mpg";
+    EXPECT_EQ(write(batch), temp);
+
+    const QStringList expected = {"@echo off",
+                                  "echo Generated with Velmora",
+                                  "echo Visit us at: www.velmora.example",
+                                  "\"" + win("MPEG.exe") + "\" -j --force \"" + items[0] + "\" \"" +
+                                      items[1] + "\" \"" + items[2] + "\" -o \"" + temp + "\"",
+                                  "rmdir \"" + win("JoinTemp") + "\"",
+                                  "echo Joined Succesfully!",
+                                  "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\r\n"), expected);
+    EXPECT_FALSE(QFile::exists(app("MP3.bat")));
+    EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+}
+
+TEST_F(JoinScriptsTest, Batch_Mpeg2V_WritesCopyLinesAndRemakeScriptLineForLine) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-2V");
+    temp = output + ".vlr.mpg";
+    write(batch);
+
+    const QStringList expectedFirst = {
+        "@echo off",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "Copy /b \"" + items[0] + "\" \"" + temp + "\"",
+        "Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\"",
+        "rmdir \"" + win("JoinTemp") + "\"",
+        "echo Joined Succesfully!",
+        "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\r\n"), expectedFirst);
+
+    const QStringList expectedFix = {
+        "@echo off",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "echo Fixing MPEG2 File...",
+        "\"" + win("MPEG2.exe") + "\" -i \"" + temp + "\" -sameq -y \"" + output + "\"",
+        "echo MPEG2 File has been fixed!",
+        "rmdir \"" + win("JoinTemp") + "\"",
+        "exit"};
+    EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\r\n"), expectedFix);
+    EXPECT_FALSE(QFile::exists(app("MP3.bat")));
+}
+
+TEST_F(JoinScriptsTest, Batch_OtherMpeg_WritesCopyLinesOnlyAndCopiesNoTool) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-4 Visual");
+    temp = output + ".vlr.mpg";
+    write(batch);
+
+    const QStringList expected = {"@echo off",
+                                  "echo Generated with Velmora",
+                                  "echo Visit us at: www.velmora.example",
+                                  "Copy /b \"" + items[0] + "\" \"" + temp + "\"",
+                                  "Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\"",
+                                  "rmdir \"" + win("JoinTemp") + "\"",
+                                  "echo Joined Succesfully!",
+                                  "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\r\n"), expected);
+    EXPECT_EQ(QDir(bed.appData).entryList(QDir::Files | QDir::NoDotAndDotDot),
+              QStringList{"TempFile.bat"});
+}
+
+TEST_F(JoinScriptsTest, Batch_TwoItems_GiveExactlyTwoCopyLinesTheSecondWithPlus) {
+    items = {items[0], items[1]};
+    bed.makeMp3List(items);
+    write(batch);
+    QStringList copies;
+    for (const QString& line : scriptLines(app("TempFile.bat"), "\r\n")) {
+        if (line.startsWith("Copy /b")) {
+            copies << line;
+        }
+    }
+    ASSERT_EQ(copies.size(), 2);
+    EXPECT_FALSE(copies[0].contains(u'+'));
+    EXPECT_TRUE(copies[1].startsWith("Copy /b \"" + temp + "\"+\""));
+}
+
+// ---- sh dialect ----
+
+TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
+    bed.makeMp3List(items);
+    EXPECT_EQ(write(sh), temp);
+
+    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+    const QStringList expectedFirst = {"#!/bin/sh",
+                                       "echo Generated with Velmora",
+                                       "echo Visit us at: www.velmora.example",
+                                       stopFirst,
+                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                       "echo Joined Succesfully!",
+                                       "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+
+    const QString stopFix = "[ -f " + q(app("MP3.bat")) + " ] || exit 1";
+    const QString scratch = q(app("MP3Fix"));
+    const QStringList expectedFix = {
+        "#!/bin/sh",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "echo Fixing MP3 File...",
+        stopFix,
+        "mkdir -p " + scratch + " < /dev/null && cd " + scratch + " && " + q(app("MP3.exe")) +
+            " -ri1 -ri2 -lameinfo " + q(temp) + " " + q(output) + " < /dev/null",
+        "cd / && rm -rf " + scratch + " < /dev/null",
+        stopFix,
+        "[ -s " + q(output) + " ] || " + q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
+            " -c copy -f mp3 -y " + q(output) + " < /dev/null",
+        "echo MP3 File has been fixed!",
+        stopFix,
+        "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+        "exit"};
+    EXPECT_EQ(scriptLines(app("MP3.bat"), "\n"), expectedFix);
+}
+
+TEST_F(JoinScriptsTest, Sh_Mpeg1V_WritesOneJoinerLineThatNeverAsks) {
+    items = {bed.media + "/a.mpg", bed.media + "/-b c.mpg", bed.media + "/d.mpg"};
+    bed.makeMpegList(items, "MPEG-1V");
+    temp = output + ".vlr.mpg";
+    write(sh);
+
+    const QString stop = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+    const QStringList expected = {"#!/bin/sh",
+                                  "echo Generated with Velmora",
+                                  "echo Visit us at: www.velmora.example",
+                                  stop,
+                                  q(app("MPEG.exe")) + " -j -f --force " + q(items[0]) + " " +
+                                      q(items[1]) + " " + q(items[2]) + " -o " + q(temp) +
+                                      " < /dev/null",
+                                  stop,
+                                  "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                  "echo Joined Succesfully!",
+                                  "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expected);
+    EXPECT_FALSE(QFile::exists(app("MP3.bat")));
+    EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+}
+
+TEST_F(JoinScriptsTest, Sh_Mpeg2V_WritesCatLinesAndRemuxScriptLineForLine) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-2V");
+    temp = output + ".vlr.mpg";
+    write(sh);
+
+    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+    const QStringList expectedFirst = {"#!/bin/sh",
+                                       "echo Generated with Velmora",
+                                       "echo Visit us at: www.velmora.example",
+                                       stopFirst,
+                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                       "echo Joined Succesfully!",
+                                       "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+
+    const QString stopFix = "[ -f " + q(app("MPEG2.bat")) + " ] || exit 1";
+    const QStringList expectedFix = {"#!/bin/sh",
+                                     "echo Generated with Velmora",
+                                     "echo Visit us at: www.velmora.example",
+                                     "echo Fixing MPEG2 File...",
+                                     stopFix,
+                                     q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
+                                         " -c copy -f vob -y " + q(output) + " < /dev/null",
+                                     "echo MPEG2 File has been fixed!",
+                                     stopFix,
+                                     "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                     "exit"};
+    EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\n"), expectedFix);
+}
+
+TEST_F(JoinScriptsTest, Sh_OtherMpeg_WritesCatLinesOnlyAndCopiesNoTool) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, QString(""));
+    temp = output + ".vlr.mpg";
+    write(sh);
+
+    const QString stop = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+    const QStringList expected = {"#!/bin/sh",
+                                  "echo Generated with Velmora",
+                                  "echo Visit us at: www.velmora.example",
+                                  stop,
+                                  "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
+                                  stop,
+                                  "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                  stop,
+                                  "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                  "echo Joined Succesfully!",
+                                  "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expected);
+    EXPECT_EQ(QDir(bed.appData).entryList(QDir::Files | QDir::NoDotAndDotDot),
+              QStringList{"TempFile.bat"});
+}
+
+TEST_F(JoinScriptsTest, PlatformDialect_IsSh) {
+    bed.makeMp3List(items);
+    QString path = output;
+    WriteJoinScripts(bed.model, path);
+    EXPECT_TRUE(ScriptTestBed::readFile(app("TempFile.bat")).startsWith("#!/bin/sh\n"));
+    EXPECT_EQ(path, temp);
+}
+
+TEST_F(JoinScriptsTest, FromDialog_UsesOutputFileAndLeavesTheDialogUnchanged) {
+    bed.makeMp3List(items);
+    bed.model.commonDialog.fileName = output;
+    WriteJoinScripts(bed.model);
+    EXPECT_EQ(bed.model.commonDialog.fileName, output);
+    EXPECT_TRUE(QString::fromUtf8(ScriptTestBed::readFile(app("MP3.bat"))).contains(q(output)));
+}
+
+// ---- JoinCase, suffix, OUTPUT ----
+
+TEST_F(JoinScriptsTest, CurrentJoinCase_FollowsListTypeHeaderAndFirstCodec) {
+    bed.makeMp3List(items);
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::MP3);
+    bed.makeMpegList(items, "MPEG-1V", "MPEG-2V");
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::MPEG1V);
+    bed.makeMpegList(items, "MPEG-2V", "MPEG-1V");
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::MPEG2V);
+    EXPECT_TRUE(IsMpeg2VideoList(bed.model));
+    bed.makeMpegList(items, "mpeg-2v");
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::OtherMPEG);
+    // A codec cell is not enough without the header "Video Codec".
+    bed.makeMpegList(items, "MPEG-2V");
+    bed.model.items.clearColumns();
+    for (const char* header : {"Filename", "Filesize", "Date Modified", "Filepath", "Codec"}) {
+        bed.model.items.addColumn(QLatin1String(header));
+    }
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::OtherMPEG);
+    EXPECT_FALSE(IsMpeg2VideoList(bed.model));
+}
+
+TEST_F(JoinScriptsTest, Mp3ListWithCodecTextInItsCells_NeverGetsTheMpegJoiner) {
+    bed.makeMp3List(items);
+    // The fifth column of an MP3 list is Artist: its text decides nothing.
+    bed.model.items.setCell(1, 4, "MPEG-1V");
+    EXPECT_EQ(CurrentJoinCase(bed.model), JoinCase::MP3);
+    write(batch);
+    const QByteArray first = ScriptTestBed::readFile(app("TempFile.bat"));
+    EXPECT_FALSE(first.contains("MPEG.exe"));
+    EXPECT_TRUE(first.contains("Copy /b"));
+    EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
+}
+
+TEST_F(JoinScriptsTest, Mpeg1VFirstItem_DecidesWhateverTheOthersHold) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-1V", "MPEG-2V");
+    write(batch);
+    const QStringList lines = scriptLines(app("TempFile.bat"), "\r\n");
+    EXPECT_TRUE(lines[3].startsWith("\"" + win("MPEG.exe") + "\" -j --force "));
+    EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+}
+
+TEST_F(JoinScriptsTest, OutputWithoutExtension_GetsTheSuffixAndOutputStaysAsChosen) {
+    output = bed.dir.path() + "/out/noext";
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
+    EXPECT_EQ(write(sh), output + ".vlr.mpg");
+    const QString fix = QString::fromUtf8(ScriptTestBed::readFile(app("MPEG2.bat")));
+    EXPECT_TRUE(fix.contains(" -c copy -f vob -y " + q(output) + " < /dev/null\n"));
+    EXPECT_TRUE(fix.contains("-i " + q(output + ".vlr.mpg") + " "));
+}
+
+TEST_F(JoinScriptsTest, TempFileHelpers_FollowTheListTypeAndTheDialog) {
+    bed.model.commonDialog.fileName = output;
+    bed.makeMp3List(items);
+    EXPECT_EQ(TempFileSuffix(bed.model), ".vlr.mp3");
+    EXPECT_EQ(OutputFilePath(bed.model), output);
+    EXPECT_EQ(TempFilePath(bed.model), output + ".vlr.mp3");
+    bed.makeMpegList(items, "MPEG-1V");
+    EXPECT_EQ(TempFilePath(bed.model), output + ".vlr.mpg");
+    EXPECT_EQ(TempFileSuffix(bed.model).size(), 8);
+    EXPECT_EQ(AppDataPath("JoinTemp"), bed.appData + "/JoinTemp");
+}
+
+// ---- tools ----
+
+TEST_F(JoinScriptsTest, Sh_Mp3List_CopiesFixerAndRemuxToolRunnable) {
+    bed.makeMp3List(items);
+    write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MP3.exe")), "tool MP3.dll");
+    EXPECT_EQ(ScriptTestBed::readFile(app("MPEG2.exe")), "tool MPEG2.dll");
+    EXPECT_TRUE(QFileInfo(app("MP3.exe")).isExecutable());
+    EXPECT_TRUE(QFileInfo(app("MPEG2.exe")).isExecutable());
+    EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
+    EXPECT_FALSE(QFile::exists(app("mingwm10.dll")));
+}
+
+TEST_F(JoinScriptsTest, Batch_Mp3List_CopiesFixerAndItsLibraryWhenPresent) {
+    ScriptTestBed::writeFile(bed.install + "/mingwm10.dll", "lib");
+    bed.makeMp3List(items);
+    write(batch);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MP3.exe")), "tool MP3.dll");
+    EXPECT_EQ(ScriptTestBed::readFile(app("mingwm10.dll")), "lib");
+    EXPECT_FALSE(QFile::exists(app("MPEG2.exe")));
+}
+
+TEST_F(JoinScriptsTest, Mpeg2V_CopiesRemakeToolAndLibrary_Mpeg1V_CopiesJoiner) {
+    ScriptTestBed::writeFile(bed.install + "/pthreadGC2.dll", "pthreads");
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
+    write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MPEG2.exe")), "tool MPEG2.dll");
+    EXPECT_EQ(ScriptTestBed::readFile(app("pthreadGC2.dll")), "pthreads");
+    EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
+    EXPECT_FALSE(QFile::exists(app("MP3.exe")));
+
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-1V");
+    write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MPEG.exe")), "tool MPEG.dll");
+    EXPECT_TRUE(QFileInfo(app("MPEG.exe")).isExecutable());
+}
+
+TEST_F(JoinScriptsTest, EarlierCopiesAndScripts_AreReplacedWhereWrittenAndLeftElsewhere) {
+    ScriptTestBed::writeFile(app("MP3.exe"), "old tool");
+    ScriptTestBed::writeFile(app("TempFile.bat"), "old script that is much longer than the new");
+    bed.makeMp3List(items);
+    write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MP3.exe")), "tool MP3.dll");
+    EXPECT_TRUE(ScriptTestBed::readFile(app("TempFile.bat")).startsWith("#!/bin/sh\n"));
+    // An MPEG join afterwards leaves the MP3 fix script alone.
+    const QByteArray mp3Script = ScriptTestBed::readFile(app("MP3.bat"));
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
+    write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MP3.bat")), mp3Script);
+}
+
+// ---- debug-log records ----
+
+class JoinScriptsLogTest : public JoinScriptsTest {
+protected:
+    void SetUp() override {
+        JoinScriptsTest::SetUp();
+        logFile = bed.dir.path() + "/21112026120000.log";
+        StartLogging(logFile, 2);
+        ASSERT_EQ(LogPath(), logFile);
+    }
+    QString logFile;
+};
+
+TEST_F(JoinScriptsLogTest, Sh_Mp3List_LogsTempFileAndTheAppendLinesAsWritten) {
+    bed.makeMp3List(items);
+    write(sh);
+    const QStringList expected = {"TempFile=" + temp,
+                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                  "1BAT=cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null"};
+    EXPECT_EQ(logRecords(logFile), expected);
+    // Each record is a line that the script really holds.
+    const QStringList lines = scriptLines(app("TempFile.bat"), "\n");
+    EXPECT_TRUE(lines.contains(expected[1].mid(5)));
+    EXPECT_TRUE(lines.contains(expected[2].mid(5)));
+}
+
+TEST_F(JoinScriptsLogTest, Batch_Mpeg2V_LogsCopyLinesAndTheTwoRemakeRecords) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg", bed.media + "/c.mpg"};
+    bed.makeMpegList(items, "MPEG-2V");
+    temp = output + ".vlr.mpg";
+    write(batch);
+    const QStringList expected = {
+        "TempFile=" + temp, "1BAT=Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\"",
+        "1BAT=Copy /b \"" + temp + "\"+\"" + items[2] + "\" \"" + temp + "\"",
+        "2BAT=\"" + win("MPEG2.exe") + "\" -i \"" + temp + "\" -sameq -y \"" + output + "\"",
+        "2BAT=del \"" + temp + "\""};
+    EXPECT_EQ(logRecords(logFile), expected);
+}
+
+TEST_F(JoinScriptsLogTest, Sh_Mpeg2V_LogsTheRemuxLineAsWrittenAndTheDelete) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-2V");
+    temp = output + ".vlr.mpg";
+    write(sh);
+    const QString remux = q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) + " -c copy -f vob -y " +
+                          q(output) + " < /dev/null";
+    const QStringList expected = {"TempFile=" + temp,
+                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                  "2BAT=" + remux, "2BAT=rm -f " + q(temp) + " < /dev/null"};
+    EXPECT_EQ(logRecords(logFile), expected);
+    EXPECT_TRUE(scriptLines(app("MPEG2.bat"), "\n").contains(remux));
+    EXPECT_FALSE(ScriptTestBed::readFile(app("MPEG2.bat")).contains("rm -f"));
+}
+
+TEST_F(JoinScriptsLogTest, Mpeg1V_LogsOnlyTheTempFile) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-1V");
+    write(sh);
+    EXPECT_EQ(logRecords(logFile), QStringList{"TempFile=" + output + ".vlr.mpg"});
+}
+
+TEST_F(JoinScriptsLogTest, Batch_Mp3List_LogsNothingAboutTheFixScript) {
+    bed.makeMp3List(items);
+    write(batch);
+    const QStringList records = logRecords(logFile);
+    ASSERT_EQ(records.size(), 3);
+    for (const QString& record : records) {
+        EXPECT_FALSE(record.contains("MP3.exe"));
+    }
+}
+
+TEST_F(JoinScriptsTest, LoggingOff_WritesNoRecordAnywhere) {
+    StopLogging();
+    bed.makeMp3List(items);
+    write(sh);
+    EXPECT_TRUE(QDir(bed.appData).entryList({"*.log"}, QDir::Files).isEmpty());
+}
+
+}  // namespace

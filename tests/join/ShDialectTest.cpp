@@ -1,0 +1,51 @@
+#include <gtest/gtest.h>
+
+#include "join/ShDialect.h"
+
+namespace {
+
+TEST(ShDialect, Quote_PlainPath_StandsInSingleQuotes) {
+    EXPECT_EQ(ShDialect::quote("/home/me/My Music/a b.mp3"), "'/home/me/My Music/a b.mp3'");
+}
+
+TEST(ShDialect, Quote_EmbeddedSingleQuote_IsClosedEscapedAndReopened) {
+    EXPECT_EQ(ShDialect::quote("/m/it's.mp3"), "'/m/it'\\''s.mp3'");
+    EXPECT_EQ(ShDialect::quote("''"), "''\\'''\\'''");
+}
+
+TEST(ShDialect, Quote_ShellCharacters_StayLiteral) {
+    EXPECT_EQ(ShDialect::quote("/m/$(touch x) `y` \"z\" & ; % * \\ ! #.mp3"),
+              "'/m/$(touch x) `y` \"z\" & ; % * \\ ! #.mp3'");
+    EXPECT_EQ(ShDialect::quote("/m/line\nbreak.mp3"), "'/m/line\nbreak.mp3'");
+}
+
+TEST(ShDialect, Quote_LeadingDash_GetsDotSlash) {
+    EXPECT_EQ(ShDialect::quote("-n.mp3"), "'./-n.mp3'");
+    EXPECT_EQ(ShDialect::quote("/m/-n.mp3"), "'/m/-n.mp3'");
+}
+
+TEST(ShDialect, Lines_HaveNoInputAndLfEnds) {
+    ShDialect sh;
+    EXPECT_EQ(sh.lineEnd(), "\n");
+    EXPECT_EQ(sh.childPath("/a b", "JoinTemp"), "/a b/JoinTemp");
+    EXPECT_EQ(sh.firstCopyLine("/m/a.mp3", "/o/t"), "cat '/m/a.mp3' > '/o/t' < /dev/null");
+    EXPECT_EQ(sh.appendCopyLine("/m/a.mp3", "/o/t"), "cat '/m/a.mp3' >> '/o/t' < /dev/null");
+    EXPECT_EQ(sh.removeMarkerLine("/a/JoinTemp"), "rmdir '/a/JoinTemp' < /dev/null");
+    EXPECT_EQ(sh.deleteFileLine("/o/t"), "rm -f '/o/t' < /dev/null");
+    EXPECT_EQ(sh.stopIfGoneLines("/a/x.bat"), QStringList{"[ -f '/a/x.bat' ] || exit 1"});
+    EXPECT_EQ(sh.echoLine("Fixing MP3 File..."), "echo Fixing MP3 File...");
+    EXPECT_EQ(sh.exitLine(), "exit");
+    EXPECT_EQ(sh.headLines("host.example"), (QStringList{"#!/bin/sh", "echo Generated with Velmora",
+                                                         "echo Visit us at: host.example"}));
+    EXPECT_TRUE(sh.mp3FixUsesRemuxTool());
+}
+
+TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
+    ShDialect sh;
+    EXPECT_EQ(sh.mpegJoinLine("/a/MPEG.exe", {"/m/1.mpg", "/m/2.mpg"}, "/o/t.vlr.mpg"),
+              "'/a/MPEG.exe' -j -f --force '/m/1.mpg' '/m/2.mpg' -o '/o/t.vlr.mpg' < /dev/null");
+    EXPECT_EQ(sh.mpeg2FixLine("/a/MPEG2.exe", "/o/t.vlr.mpg", "/o/t"),
+              "'/a/MPEG2.exe' -nostdin -i '/o/t.vlr.mpg' -c copy -f vob -y '/o/t' < /dev/null");
+}
+
+}  // namespace
