@@ -13,9 +13,13 @@ QString& installOverride() {
 }
 }  // namespace
 
-QString AppDataFolder() { return appData(); }
+QString AppDataFolder() {
+    return appData();
+}
 
-void SetAppDataFolder(const QString& folder) { appData() = folder; }
+void SetAppDataFolder(const QString& folder) {
+    appData() = folder;
+}
 
 QString InstallFolder() {
     if (!installOverride().isEmpty()) {
@@ -24,6 +28,10 @@ QString InstallFolder() {
     return QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
 }
 
-void SetInstallFolderOverride(const QString& folder) { installOverride() = folder; }
+void SetInstallFolderOverride(const QString& folder) {
+    installOverride() = folder;
+}
 
-QString SettingsFile() { return AppDataFolder() + QStringLiteral("/Settings.ini"); }
+QString SettingsFile() {
+    return AppDataFolder() + QStringLiteral("/Settings.ini");
+}

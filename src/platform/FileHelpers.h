@@ -18,8 +18,9 @@ bool FileExists(const QString& path);
 bool IsDirectoryPath(const QString& path);
 
 // Creates a folder and every missing folder above it. A trailing separator is
-// removed from the caller's text, in place.
-void MakeFolderPath(QString& path);
+// removed from the caller's text, in place. False when a level could not be
+// made (the walk stops there); callers may ignore it.
+bool MakeFolderPath(QString& path);
 
 // The folder that holds the system's file-manager launcher, or the empty text.
 QString GetWindowsFolder();
@@ -32,11 +33,16 @@ QString GetShellFolderPath(std::int32_t folderId, Questions& questions);
 inline constexpr std::int32_t kAppDataFolderId = 0x801A;
 
 // Opens the file manager's properties view of a file. True when it was asked.
+// (Defined with the other shell calls in platform/Shell.cpp.)
 bool ShowFileProperties(const QString& path, std::uint32_t windowHandle = 0);
 
 // Free bytes available to the caller on the file system that holds path. The
 // caller's text is trimmed and given a trailing separator, in place. 0 on failure.
 double GetDiskFreeBytes(QString& path);
+
+// The free-byte count as the sum of its two 32-bit halves, each through
+// BytesToDouble: low + 2^32 * high, so no value wraps or turns negative.
+double FreeBytesToDouble(std::uint64_t bytes);
 
 // b0 + b1 * 2^8 + b2 * 2^16 + b3 * 2^24, each byte unsigned.
 double BytesToDouble(std::uint8_t b0, std::uint8_t b1, std::uint8_t b2, std::uint8_t b3);

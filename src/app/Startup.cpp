@@ -1,0 +1,68 @@
+#include "app/Startup.h"
+
+#include <QFile>
+#include <QLocale>
+
+#include "app/AppPaths.h"
+#include "app/DebugLog.h"
+#include "platform/FileHelpers.h"
+#include "platform/Questions.h"
+
+namespace {
+QString appDataPath(Questions& questions) {
+    return GetShellFolderPath(kAppDataFolderId, questions) + QStringLiteral("/Kestor/Velmora");
+}
+}  // namespace
+
+bool IsDebugCommandLine(const QStringList& arguments) {
+    return arguments.size() == 2 && arguments.at(1) == QStringLiteral("/debug");
+}
+
+QString LogFileNameFor(const QDateTime& moment) {
+    return moment.toString(QStringLiteral("ddMMyyyyHHmmss")) + QStringLiteral(".log");
+}
+
+QString LogCreatedRecordFor(const QDateTime& moment) {
+    const QLocale locale;
+    // The long time form without its time-zone part: hours, minutes, seconds.
+    QString timeFormat = locale.timeFormat(QLocale::LongFormat);
+    timeFormat.remove(QLatin1Char('t'));
+    timeFormat = timeFormat.trimmed();
+    return QStringLiteral("LogFile created on: ") +
+           locale.toString(moment.date(), QLocale::ShortFormat) + u' ' +
+           locale.toString(moment.time(), timeFormat);
+}
+
+StartupResult PrepareStartup(const QStringList& arguments, Questions& questions) {
+    StartupResult result;
+
+    // The folder is formed, made, then formed once more and stored: the second
+    // lookup sees the folder that the first one may have created.
+    QString folder = appDataPath(questions);
+    MakeFolderPath(folder);
+    result.appDataFolder = appDataPath(questions);
+    SetAppDataFolder(result.appDataFolder);
+
+    if (IsDebugCommandLine(arguments)) {
+        result.debug = true;
+        StartLogging(AppDataFolder() + u'/' + LogFileNameFor(QDateTime::currentDateTime()), 2);
+        if (!LogPath().isEmpty()) {
+            LogEvent(LogCreatedRecordFor(QDateTime::currentDateTime()), 4);
+        }
+        questions.msgBox(QStringLiteral("Velmora is now running in debug-mode."),
+                         Msg::OkOnly + Msg::Information);
+    }
+
+    if (!FileExists(SettingsFile())) {
+        const QString defaults = InstallFolder() + QStringLiteral("/DefaultSettings.ini");
+        if (QFile::copy(defaults, SettingsFile())) {
+            result.copiedDefaultSettings = true;
+            if (!LogPath().isEmpty()) {
+                LogEvent(QStringLiteral(
+                             "'DefaultSettings.ini' has been copied to 'AppData\\Settings.ini'."),
+                         4);
+            }
+        }
+    }
+    return result;
+}
