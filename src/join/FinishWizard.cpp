@@ -1,0 +1,52 @@
+#include "join/FinishWizard.h"
+
+#include <QFileInfo>
+
+#include "app/DebugLog.h"
+#include "join/JoinProgress.h"
+#include "join/JoinScripts.h"
+#include "join/JoinWizardState.h"
+#include "list/MainModel.h"
+#include "platform/Shell.h"
+
+void FinishWizard(const MainModel& model, JoinWizardState& state, bool cancelled) {
+    state.setTimerEnabled(false);
+    if (!LogPath().isEmpty()) {
+        LogEvent(QStringLiteral("Operation2 Size=") + state.writtenSizeText(), 4);
+    }
+    state.setWindowCaption(QStringLiteral("Join Wizard"));
+    state.setHeaderSubText(QStringLiteral("You may now close this wizard..."));
+    state.setElapsedTimerEnabled(false);
+    state.setElapsedTimeCaption(QStringLiteral("Time taken:"));
+
+    if (!cancelled) {
+        const QFileInfo output(OutputFilePath(model));
+        if (!output.exists() || !output.isFile()) {
+            // Nothing to measure: the rest does not happen, and the window
+            // keeps "&Cancel", whose clean-up then shows the cancelled state.
+            return;
+        }
+        // No "0 KB" here: an output under half a KB shows " KB" alone.
+        state.setWrittenSizeText(FormatThousands(static_cast<double>(output.size()) / 1024.0) +
+                                 QStringLiteral(" KB"));
+    } else {
+        state.setWrittenSizeText(QStringLiteral("[Cancelled]"));
+    }
+    state.setOperationText(cancelled ? QStringLiteral("Cancelled!") : QStringLiteral("Finished!"));
+    state.setProgressValue(state.progressMax());
+    state.setCancelButtonCaption(QStringLiteral("&Close"));
+    state.setCancelButtonEnabled(true);
+    state.setOptionsButtonEnabled(!cancelled);
+}
+
+void LaunchOutputFile(const MainModel& model) {
+    ShellOpen(OutputFilePath(model));
+}
+
+void OpenOutputFolder(const MainModel& model) {
+    ShowItemInFolder(OutputFilePath(model));
+}
+
+void SetID3TagOfOutput(const MainModel& model, JoinWizardState& state) {
+    state.requestTagEditor(OutputFilePath(model));
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <cstdint>
+#include <functional>
+
+struct MainModel;
+class JoinWizardState;
+class ProcessRunner;
+
+// The run of a join, from the launch of the first script to the finished or
+// cancelled wizard. A 10 ms timer carries it through tick(); a 1 s clock
+// through clockTick(). The run never holds a path: every tick reads OutputFile
+// from the shared dialog and works out TempFile and the JoinCase anew.
+//
+// A script tells the run that it has ended in one way only: it removes the
+// empty folder JoinTemp in AppDataFolder, which the run created before it
+// started the script. Each tick looks at the JoinOperation ("1" makes
+// TempFile, "2" makes OutputFile) and at that folder:
+//   "1" and JoinTemp there: the join runs, TempFile is watched;
+//   "2" and JoinTemp there: the fix runs, OutputFile is watched;
+//   "2" and JoinTemp gone:  post-check and finish;
+//   "1" and JoinTemp gone:  JoinOperation 2 starts.
+//
+// The window owns one run and its state; it forwards the clicks of
+// CancelButton and of the Options menu here and shows the state.
+class JoinRun : public QObject {
+    Q_OBJECT
+public:
+    JoinRun(MainModel& model, JoinWizardState& state, QObject* parent = nullptr);
+    ~JoinRun() override;
+
+    // The window's load: the bar's maximum from the list's size, "Operation 1
+    // of 2", JoinTemp, the hidden launch of TempFile.bat, the records. With
+    // ownTimers the run's own timers call tick() and clockTick() while the
+    // state says they are enabled; without, the caller calls them.
+    void load(bool ownTimers = true);
+
+    // One tick of the 10 ms timer: the four cases above, then the progress.
+    void tick();
+    // One tick of the 1 s clock: ElapsedSeconds up (it stops at 32767), the
+    // clock text, a turn for pending events.
+    void clockTick();
+
+    // CancelButton, both faces: the clean-up of AppDataFolder; on "&Cancel"
+    // the wait until no output or temporary file is left, and the cancelled
+    // state; on "&Close" the request to close the window.
+    void cancelClicked();
+
+    // The Options menu.
+    void launchFile();
+    void openFolder();
+    void setID3Tag();
+
+    // The DataReceived handler of the fix script's launcher.
+    void dataReceived(const QString& text);
+
+    std::int16_t elapsedSeconds() const { return elapsedSeconds_; }
+    void setElapsedSeconds(std::int16_t seconds) { elapsedSeconds_ = seconds; }
+    bool cancelled() const { return cancelled_; }
+    // The launcher of the fix script, while there is one.
+    ProcessRunner* launcher() const { return launcher_; }
+    // The process id of the shell that runs TempFile.bat (0 when none started).
+    qint64 firstScriptProcessId() const { return firstScriptPid_; }
+
+    // Where the launchers come from; the program makes plain ProcessRunners.
+    // A test may hand out one that is busy already.
+    using LauncherFactory = std::function<ProcessRunner*(QObject* parent)>;
+    static LauncherFactory setLauncherFactory(LauncherFactory factory);
+
+private:
+    void startOperation2();
+    void postCheck();
+    void syncTimers();
+
+    MainModel& model_;
+    JoinWizardState& state_;
+    QTimer tickTimer_;
+    QTimer clockTimer_;
+    bool ownTimers_ = false;
+    std::int16_t elapsedSeconds_ = 0;
+    bool cancelled_ = false;
+    ProcessRunner* launcher_ = nullptr;
+    qint64 firstScriptPid_ = 0;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+// Ends with SIGKILL every running process whose image name ends in name,
+// compared in lower case (the tail of the name and nothing else: "mp3.exe"
+// matches "MP3.exe" and "xmp3.exe" alike). The image name is the file name
+// of the process's executable, or its command name where the executable
+// cannot be read. An empty name does nothing.
+void KillProcessByName(const QString& name);
+
+// Ends the shell that runs a script, with everything it started (its process
+// group), by SIGKILL: only when the process still runs with scriptPath among
+// its arguments, so that a process id taken over by another program is left
+// alone. Nothing for a process id of 0 or less.
+void KillScriptShell(qint64 processId, const QString& scriptPath);
+
+// Narrows which matching processes KillProcessByName may end: only those for
+// which the filter returns true (given the process id). The program sets none;
+// a test that runs beside others narrows it to processes of its own folders.
+// Returns the previous filter; an empty one restores "every match".
+using ProcessKillFilter = std::function<bool(qint64 processId)>;
+ProcessKillFilter setProcessKillFilter(ProcessKillFilter filter);
+
+// The full path of a process's executable ("" when it cannot be read).
+QString ExecutablePathOf(qint64 processId);
