@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <ostream>
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
@@ -14,6 +15,11 @@
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
 #include "support/TestEnvironment.h"
+
+// Readable QString values in failure messages.
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 class ScriptTestBed {
 public:
