@@ -6,6 +6,14 @@
 #include <QFile>
 #include <QString>
 #include <cstdint>
+#include <ostream>
+
+// Readable failure messages for texts (zero characters shown as \0).
+inline void PrintTo(const QString& text, std::ostream* os) {
+    QString shown = text;
+    shown.replace(QChar(0), QStringLiteral("\\0"));
+    *os << '"' << shown.toStdString() << '"';
+}
 
 namespace bytefiles {
 
