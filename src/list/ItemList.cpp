@@ -20,7 +20,9 @@ void ItemList::addColumn(const QString& text, int widthTwips) {
     endInsertColumns();
 }
 
-int ItemList::addRow(const QString& text) { return insertRow(count() + 1, text); }
+int ItemList::addRow(const QString& text) {
+    return insertRow(count() + 1, text);
+}
 
 int ItemList::insertRow(int position, const QString& text) {
     position = std::clamp(position, 1, count() + 1);
@@ -51,6 +53,53 @@ bool ItemList::removeRow(int position) {
     rows_.removeAt(position - 1);
     endRemoveRows();
     return true;
+}
+
+int ItemList::removeRowsExcept(const QList<bool>& keep) {
+    if (keep.size() != rows_.size()) {
+        return 0;
+    }
+    // Ranges of removed rows, first to last.
+    QList<std::pair<int, int>> ranges;
+    for (int i = 0; i < count(); ++i) {
+        if (keep.at(i)) {
+            continue;
+        }
+        if (!ranges.isEmpty() && ranges.last().second == i - 1) {
+            ranges.last().second = i;
+        } else {
+            ranges.append({i, i});
+        }
+    }
+    if (ranges.isEmpty()) {
+        return 0;
+    }
+    int removed = 0;
+    for (const auto& range : ranges) {
+        removed += range.second - range.first + 1;
+    }
+    // A view follows a few range removals cheaply; many small ones cost it
+    // more than building itself anew.
+    constexpr int kMaxRangeNotices = 32;
+    if (ranges.size() <= kMaxRangeNotices) {
+        for (auto it = ranges.crbegin(); it != ranges.crend(); ++it) {
+            beginRemoveRows(QModelIndex(), it->first, it->second);
+            rows_.remove(it->first, it->second - it->first + 1);
+            endRemoveRows();
+        }
+        return removed;
+    }
+    beginResetModel();
+    QList<QStringList> next;
+    next.reserve(rows_.size() - removed);
+    for (int i = 0; i < count(); ++i) {
+        if (keep.at(i)) {
+            next.append(std::move(rows_[i]));
+        }
+    }
+    rows_ = std::move(next);
+    endResetModel();
+    return removed;
 }
 
 void ItemList::clearRows() {

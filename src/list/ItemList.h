@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 
 // The one list of the program: ordered rows of text cells (the join order),
 // with the column headers beside them. Row positions count from 1. Cell 0 is
@@ -33,9 +34,9 @@ public:
 
     // Rows, positions from 1.
     int count() const { return static_cast<int>(rows_.size()); }
-    int addRow(const QString& text = QString());        // at the end; returns its position
-    int insertRow(int position, const QString& text);   // before position; returns it
-    void appendRows(QList<QStringList> rows);           // many rows at the end, one notice
+    int addRow(const QString& text = QString());       // at the end; returns its position
+    int insertRow(int position, const QString& text);  // before position; returns it
+    void appendRows(QList<QStringList> rows);          // many rows at the end, one notice
     bool removeRow(int position);
     void clearRows();
 
@@ -45,6 +46,11 @@ public:
     QString cell(int position, int cell) const;
     bool setCell(int position, int cell, const QString& text);
     const QStringList& cells(int position) const { return rows_.at(position - 1); }
+
+    // Removes every row for which keep[position - 1] is false, in one pass;
+    // keep holds one entry per row. Returns the number of rows removed. The
+    // view hears of a few removed ranges one by one, of many as one reset.
+    int removeRowsExcept(const QList<bool>& keep);
 
     // Puts the rows in a new order: order[i] is the old position (from 1) of
     // the row that comes at position i + 1.

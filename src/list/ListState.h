@@ -61,8 +61,12 @@ public:
     int progressValue() const { return progressValue_; }
     void setProgressValue(int v) { set(progressValue_, v); }
 
+    // Asks the view of the list to take the keyboard focus (the moves end so).
+    void requestListFocus() { emit listFocusRequested(); }
+
 signals:
     void changed();
+    void listFocusRequested();
 
 private:
     template <typename T>

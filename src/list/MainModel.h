@@ -18,4 +18,9 @@ struct MainModel {
     CommonDialog commonDialog;
     Questions& questions;
     Clipboard& clipboard;
+    // The folder the file enumerator of the adding routines last listed. A
+    // folder that cannot be listed leaves it as it was.
+    QString fileBrowserPath;
+    // The pattern it lists by; a list of an unknown type leaves it as it was.
+    QString fileBrowserPattern = QStringLiteral("*.*");
 };

@@ -1,0 +1,334 @@
+#include "list/ListFunctions.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QSet>
+#include <QStringDecoder>
+
+#include "app/IniFile.h"
+#include "list/DialogFolder.h"
+#include "list/FillListItem.h"
+#include "list/ListTotals.h"
+#include "list/ListviewLayout.h"
+#include "list/MainModel.h"
+#include "platform/FileHelpers.h"
+
+namespace {
+
+const QString kSettingsSection = QStringLiteral("Commondialog");
+const QString kListFilter = QStringLiteral("VLR Files|*.vlr");
+
+void setListLayout(MainModel& model, const QString& listType, bool setImage) {
+    ClearColumns(model);
+    AddSharedColumns(model);
+    if (listType == QLatin1String("MP3")) {
+        AddMP3Columns(model);
+        if (setImage) {
+            model.state.setTypeImage(ListState::Picture::MP3);
+        }
+    }
+    if (listType == QLatin1String("MPEG")) {
+        AddMPEGColumns(model);
+        if (setImage) {
+            model.state.setTypeImage(ListState::Picture::MPEG);
+        }
+    }
+}
+
+void showRemovalReport(MainModel& model, int removed) {
+    model.questions.msgBox(
+        QStringLiteral("Operation Complete!\rItems Removed: ") + QString::number(removed),
+        Msg::OkOnly + Msg::Information);
+}
+
+// List files are UTF-8; a file that is not valid UTF-8 is read as Latin-1,
+// so that every byte still comes through as a character.
+QString decodeListFile(const QByteArray& data) {
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = utf8.decode(data);
+    if (utf8.hasError()) {
+        text = QString::fromLatin1(data);
+    }
+    return text;
+}
+
+// Splits the text into lines. CR LF ends a line, and so does a CR or an LF of
+// its own; a line break at the very end opens no further line.
+QList<QStringView> splitLines(QStringView text) {
+    QList<QStringView> lines;
+    qsizetype start = 0;
+    const qsizetype size = text.size();
+    for (qsizetype i = 0; i < size; ++i) {
+        const QChar c = text.at(i);
+        if (c != u'\r' && c != u'\n') {
+            continue;
+        }
+        lines.append(text.sliced(start, i - start));
+        if (c == u'\r' && i + 1 < size && text.at(i + 1) == u'\n') {
+            ++i;
+        }
+        start = i + 1;
+    }
+    if (start < size) {
+        lines.append(text.sliced(start));
+    }
+    return lines;
+}
+
+}  // namespace
+
+QString ListWindowTitle(const QString& listFileName) {
+    if (listFileName.isEmpty()) {
+        return QStringLiteral("Velmora - (Untitled List)");
+    }
+    return QStringLiteral("Velmora - (") + GetFileNameFromPath(listFileName) + u')';
+}
+
+void NewItemList(MainModel& model, const QString& listType) {
+    model.state.setWindowTitle(ListWindowTitle(QString()));
+    model.state.setListFileName(QString());
+    model.items.clearRows();
+    model.state.setListType(listType);
+    ClearColumns(model);
+    AddSharedColumns(model);
+    if (listType == QLatin1String("MP3")) {
+        AddMP3Columns(model);
+        model.state.setTypeImage(ListState::Picture::MP3);
+    } else {
+        AddMPEGColumns(model);
+        model.state.setTypeImage(ListState::Picture::MPEG);
+    }
+    UpdateListTotals(model);
+}
+
+QByteArray ListFileText(const MainModel& model) {
+    const ItemList& items = model.items;
+    const int subItems = items.headerCount() - 1;
+    QString text;
+    text.reserve(64 + static_cast<qsizetype>(items.count()) * 160);
+    text += QLatin1String(kListFileHeader);
+    text += QLatin1String("\r\n<");
+    text += model.state.listType();
+    text += QLatin1String(">\r\n");
+    for (int i = 1; i <= items.count(); ++i) {
+        text += items.cell(i, 0);
+        for (int j = 1; j <= subItems; ++j) {
+            text += u'|';
+            text += items.cell(i, j);
+        }
+        text += QLatin1String("\r\n");
+    }
+    return text.toUtf8();
+}
+
+void SaveList(MainModel& model, short saveAs) {
+    CommonDialog& dialog = model.commonDialog;
+    if (model.state.listFileName().isEmpty() || saveAs != 0) {
+        dialog.dialogTitle = QStringLiteral("Save List");
+        dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("SaveList"));
+        dialog.fileName.clear();
+        dialog.filter = kListFilter;
+        dialog.flags = DialogFlags::HideReadOnly;
+        model.questions.showSave(dialog);
+        if (dialog.fileName.isEmpty()) {
+            return;
+        }
+        RememberDialogFolder(dialog, QStringLiteral("SaveList"));
+    } else {
+        dialog.fileName = model.state.listFileName();
+    }
+    const QString path = dialog.fileName;
+
+    // The file is written to a temporary file beside it and renamed over it
+    // only when every byte is written, so a failed save leaves the old file
+    // (or no file) and never half a list. A failure has no message; the list
+    // takes the name all the same.
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(ListFileText(model));
+        file.commit();
+    }
+    model.state.setWindowTitle(ListWindowTitle(path));
+    model.state.setListFileName(path);
+}
+
+bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& path) {
+    const QString text = decodeListFile(data);
+    const QList<QStringView> lines = splitLines(text);
+    if (!lines.isEmpty()) {
+        // The whole first line must be the header: the only check there is.
+        if (lines.first() != QLatin1String(kListFileHeader)) {
+            return false;
+        }
+        ClearList(model, 0);
+    }
+    if (lines.size() >= 2) {
+        // The type is what stands between the brackets, whatever it is. An
+        // unknown one leaves the four shared columns and the old type image.
+        QString listType = lines.at(1).toString();
+        listType.remove(u'<');
+        listType.remove(u'>');
+        model.state.setListType(listType);
+        setListLayout(model, listType, true);
+    }
+    if (lines.size() >= 3) {
+        // Fields beyond the last column fall off; an empty line is no row.
+        const qsizetype keep = std::max(1, model.items.headerCount());
+        QList<QStringList> rows;
+        rows.reserve(lines.size() - 2);
+        for (qsizetype n = 2; n < lines.size(); ++n) {
+            const QStringView line = lines.at(n);
+            if (line.isEmpty()) {
+                continue;
+            }
+            QStringList cells;
+            for (const QStringView field : line.tokenize(u'|')) {
+                if (cells.size() == keep) {
+                    break;
+                }
+                cells.append(field.toString());
+            }
+            rows.append(std::move(cells));
+        }
+        model.items.appendRows(std::move(rows));
+    }
+    model.state.setWindowTitle(ListWindowTitle(path));
+    model.state.setListFileName(path);
+    UpdateListTotals(model);
+    return true;
+}
+
+void OpenList(MainModel& model) {
+    CommonDialog& dialog = model.commonDialog;
+    dialog.dialogTitle = QStringLiteral("Open List");
+    dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("OpenList"));
+    dialog.fileName.clear();
+    dialog.filter = kListFilter;
+    dialog.flags = DialogFlags::HideReadOnly;
+    model.questions.showOpen(dialog);
+    if (dialog.fileName.isEmpty()) {
+        return;
+    }
+    // The folder is remembered before the file is looked at, so also for a
+    // file that turns out to be invalid.
+    RememberDialogFolder(dialog, QStringLiteral("OpenList"));
+    const QString path = dialog.fileName;
+
+    QFile file(path);
+    bool read = file.open(QIODevice::ReadOnly);
+    QByteArray data;
+    if (read) {
+        data = file.readAll();
+        read = file.error() == QFileDevice::NoError;
+    }
+    if (!read || !ReadListFileText(model, data, path)) {
+        model.questions.msgBox(QStringLiteral("Unable to open; Invalid File!"),
+                               Msg::OkOnly + Msg::Exclamation);
+    }
+}
+
+void RemoveItem(MainModel& model, int index) {
+    model.items.removeRow(index);
+    UpdateListTotals(model);
+}
+
+void ClearList(MainModel& model, short ask) {
+    bool goOn = true;
+    if (ask != 0) {
+        goOn = model.questions.msgBox(
+                   QStringLiteral("Are you sure you would like to clear your list?"),
+                   Msg::YesNo + Msg::Question) == Msg::Yes;
+    }
+    if (goOn) {
+        model.items.clearRows();
+    }
+    UpdateListTotals(model);
+}
+
+void RemoveDuplicatedFiles(MainModel& model) {
+    ItemList& items = model.items;
+    const int rows = items.count();
+    // From the last row up: a row whose path stands again further down goes,
+    // so the last of equal rows stays. One hash lookup per row.
+    QList<bool> keep(rows, true);
+    QSet<QString> seen;
+    seen.reserve(rows);
+    for (int i = rows; i >= 1; --i) {
+        const QString path = items.cell(i, 3);
+        if (seen.contains(path)) {
+            keep[i - 1] = false;
+        } else {
+            seen.insert(path);
+        }
+    }
+    items.removeRowsExcept(keep);
+    UpdateListTotals(model);
+    showRemovalReport(model, rows - items.count());
+}
+
+bool IsLiveFile(const QString& path) {
+    if (path.isEmpty()) {
+        return false;
+    }
+    const QFileInfo info(path);
+    return info.isFile() && !info.fileName().startsWith(u'.');
+}
+
+void RemoveDeadFiles(MainModel& model) {
+    ItemList& items = model.items;
+    const int rows = items.count();
+    QList<bool> keep(rows, true);
+    for (int i = 1; i <= rows; ++i) {
+        keep[i - 1] = IsLiveFile(items.cell(i, 3));
+    }
+    // All dead rows go at once and the totals follow once: the same end as
+    // removing them one by one from the bottom with totals after each.
+    items.removeRowsExcept(keep);
+    UpdateListTotals(model);
+    showRemovalReport(model, rows - items.count());
+}
+
+void OnlyKeepBitrateItems(MainModel& model, const QString& bitrate) {
+    ItemList& items = model.items;
+    const int rows = items.count();
+    QList<bool> keep(rows, true);
+    for (int i = 1; i <= rows; ++i) {
+        keep[i - 1] = items.cell(i, 10) == bitrate;
+    }
+    items.removeRowsExcept(keep);
+    UpdateListTotals(model);
+    showRemovalReport(model, rows - items.count());
+}
+
+void MoveItemUp(MainModel& model, int index) {
+    ItemList& items = model.items;
+    if (index <= 1 || index > items.count()) {
+        model.state.requestListFocus();
+        return;
+    }
+    // The moved row is built anew above its neighbour with its name and
+    // path; the old one goes, and both rows are filled from their files.
+    items.insertRow(index - 1, items.cell(index, 0));
+    items.setCell(index - 1, 3, items.cell(index + 1, 3));
+    items.removeRow(index + 1);
+    FillListItem(model, index);
+    FillListItem(model, index - 1);
+    model.state.setSelectedIndex(index - 1);
+    model.state.requestListFocus();
+}
+
+void MoveItemDown(MainModel& model, int index) {
+    ItemList& items = model.items;
+    if (index < 1 || index >= items.count()) {
+        model.state.requestListFocus();
+        return;
+    }
+    items.insertRow(index + 2, items.cell(index, 0));
+    items.setCell(index + 2, 3, items.cell(index, 3));
+    items.removeRow(index);
+    FillListItem(model, index);
+    FillListItem(model, index + 1);
+    model.state.setSelectedIndex(index + 1);
+    model.state.requestListFocus();
+}

@@ -1,0 +1,206 @@
+#include "list/ListTotals.h"
+
+#include <cmath>
+#include <limits>
+
+#include "list/MainModel.h"
+
+namespace {
+
+const QString kSecondsUnit = QStringLiteral(" seconds");
+const QString kKilobyteUnit = QStringLiteral(" KB");
+
+// Plain digits, or digits in groups of three behind a first group of one to
+// three, split by the locale's group separator. This is what the size and
+// duration cells hold nearly always, so it is read here without the
+// locale's general parser.
+bool parseWholeNumber(QStringView text, QStringView group, double& value) {
+    if (text.isEmpty() || text.size() > 18 + 6 * group.size()) {
+        return false;
+    }
+    qint64 number = 0;
+    int digitsInGroup = 0;
+    bool grouped = false;
+    qsizetype i = 0;
+    while (i < text.size()) {
+        const QChar c = text.at(i);
+        if (c >= u'0' && c <= u'9') {
+            number = number * 10 + (c.unicode() - u'0');
+            ++digitsInGroup;
+            ++i;
+            continue;
+        }
+        if (group.isEmpty() || !text.sliced(i).startsWith(group)) {
+            return false;
+        }
+        // A separator stands behind one to three digits, and behind exactly
+        // three once the first group is past.
+        if (digitsInGroup == 0 || digitsInGroup > 3 || (grouped && digitsInGroup != 3)) {
+            return false;
+        }
+        grouped = true;
+        digitsInGroup = 0;
+        i += group.size();
+    }
+    if (digitsInGroup == 0 || (grouped && digitsInGroup != 3)) {
+        return false;
+    }
+    value = static_cast<double>(number);
+    return true;
+}
+
+QString withoutUnit(QString text, const QString& unit) {
+    text.remove(unit);
+    return text;
+}
+
+}  // namespace
+
+bool ParseCellNumber(const QString& text, const QLocale& locale, double& value) {
+    const QStringView trimmed = QStringView(text).trimmed();
+    if (trimmed.isEmpty()) {
+        return false;
+    }
+    if (parseWholeNumber(trimmed, locale.groupSeparator(), value)) {
+        return true;
+    }
+    bool ok = false;
+    const double parsed = locale.toDouble(trimmed, &ok);
+    if (!ok || !std::isfinite(parsed)) {
+        return false;
+    }
+    value = parsed;
+    return true;
+}
+
+QString FormatKilobytes(double kilobytes, const QLocale& locale) {
+    // Half away from zero, as the pattern rounds.
+    const double rounded = std::round(kilobytes);
+    if (rounded == 0 || !std::isfinite(rounded)) {
+        return QString();
+    }
+    return locale.toString(static_cast<qlonglong>(rounded));
+}
+
+QString FormatClock(qint64 seconds) {
+    constexpr qint64 kDay = 24 * 60 * 60;
+    seconds %= kDay;
+    if (seconds < 0) {
+        seconds += kDay;
+    }
+    return QStringLiteral("%1:%2:%3")
+        .arg(seconds / 3600, 2, 10, QLatin1Char('0'))
+        .arg((seconds / 60) % 60, 2, 10, QLatin1Char('0'))
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+void UpdateListTotals(MainModel& model) {
+    const ItemList& items = model.items;
+    ListState& state = model.state;
+    const QLocale locale;
+    const int rows = items.count();
+    state.setCountCaption(QString::number(rows));
+
+    // Only the two known types have a duration column; rows of a list of any
+    // other type add no seconds.
+    int durationCell = -1;
+    if (state.listType() == QLatin1String("MP3")) {
+        durationCell = 9;
+    } else if (state.listType() == QLatin1String("MPEG")) {
+        durationCell = 6;
+    }
+
+    // The seconds total is a 32-bit count: a row that would carry it past
+    // that adds nothing. Each row adds only its whole seconds.
+    qint32 seconds = 0;
+    double kilobytes = 0;
+    for (int i = 1; i <= rows; ++i) {
+        double value = 0;
+        if (durationCell >= 0 &&
+            ParseCellNumber(withoutUnit(items.cell(i, durationCell), kSecondsUnit), locale,
+                            value)) {
+            const double sum = static_cast<double>(seconds) + std::floor(value);
+            if (sum >= std::numeric_limits<qint32>::min() &&
+                sum <= std::numeric_limits<qint32>::max()) {
+                seconds = static_cast<qint32>(sum);
+            }
+        }
+        if (ParseCellNumber(withoutUnit(items.cell(i, 1), kKilobyteUnit), locale, value)) {
+            kilobytes += std::floor(value);
+        }
+    }
+    if (rows == 0) {
+        state.setDurationCaption(QStringLiteral("00:00:00"));
+        state.setSizeCaption(QStringLiteral("0 KB"));
+    } else {
+        state.setDurationCaption(FormatClock(seconds));
+        state.setSizeCaption(FormatKilobytes(kilobytes, locale) + kKilobyteUnit);
+    }
+    UpdateListStatus(model);
+}
+
+namespace {
+
+// True when the column, all its cells appended to one text, is made up of
+// nothing but the first row's cell: every occurrence of that cell is deleted
+// from the joined text, and the column counts as equal when nothing is left.
+// So a first cell "AB" and a later one "ABAB" are equal, and an empty first
+// cell matches only a column of empty cells.
+bool columnMadeOfFirstCell(const ItemList& items, int cell) {
+    const int rows = items.count();
+    const QString first = items.cell(1, cell);
+    // The common case, every cell the same text, needs no joined text.
+    bool allSame = true;
+    for (int i = 2; i <= rows && allSame; ++i) {
+        allSame = items.cell(i, cell) == first;
+    }
+    if (allSame) {
+        return true;
+    }
+    if (first.isEmpty()) {
+        return false;  // some later cell is not empty, and nothing deletes it
+    }
+    QString joined;
+    for (int i = 1; i <= rows; ++i) {
+        joined += items.cell(i, cell);
+    }
+    joined.remove(first);
+    return joined.isEmpty();
+}
+
+}  // namespace
+
+void UpdateListStatus(MainModel& model) {
+    const ItemList& items = model.items;
+    const int rows = items.count();
+    if (rows >= 1) {
+        SetListStatus(model, QStringLiteral("Green"));
+        if (model.state.listType() == QLatin1String("MP3")) {
+            if (!columnMadeOfFirstCell(items, 11)) {
+                SetListStatus(model, QStringLiteral("Orange"));
+            }
+        } else {
+            // Every type but MP3 is graded on its video columns.
+            if (!columnMadeOfFirstCell(items, 4)) {
+                SetListStatus(model, QStringLiteral("Red"));
+            }
+            if (!columnMadeOfFirstCell(items, 5)) {
+                SetListStatus(model, QStringLiteral("Red"));
+            }
+        }
+    }
+    if (rows < 2) {
+        SetListStatus(model, QStringLiteral("Red"));
+    }
+}
+
+void SetListStatus(MainModel& model, const QString& status) {
+    model.state.setListStatusText(status);
+    if (status == QLatin1String("Green")) {
+        model.state.setStatusPicture(ListState::Picture::Green);
+    } else if (status == QLatin1String("Orange")) {
+        model.state.setStatusPicture(ListState::Picture::Orange);
+    } else if (status == QLatin1String("Red")) {
+        model.state.setStatusPicture(ListState::Picture::Red);
+    }
+}

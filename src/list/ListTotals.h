@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QLocale>
+#include <QString>
+#include <QtGlobal>
+
+struct MainModel;
+
+// Sets the item count, the total size and the total duration from the cells
+// of the rows, then grades the list (UpdateListStatus). Called at the end of
+// every routine that adds or removes rows.
+void UpdateListTotals(MainModel& model);
+
+// Grades the list: Red for fewer than 2 rows; otherwise Green, unless the
+// Hertz cells of an MP3 list differ (Orange) or the Video Codec or Video Size
+// cells of any other list differ (Red).
+void UpdateListStatus(MainModel& model);
+
+// Stores ListStatus and, for "Green", "Orange" and "Red", sets the status
+// picture; any other text leaves the picture as it is.
+void SetListStatus(MainModel& model, const QString& status);
+
+// Reads the number in a cell's text once its unit is gone: surrounding blanks
+// are ignored, and the locale's digit grouping is accepted ("4,211" in a
+// locale that groups with commas). False for empty or non-numeric text.
+bool ParseCellNumber(const QString& text, const QLocale& locale, double& value);
+
+// A size in the pattern "#,###,###": rounded to the nearest whole number,
+// thousands grouped by the locale, and nothing at all for 0.
+QString FormatKilobytes(double kilobytes, const QLocale& locale);
+
+// Seconds added to the time 00:00:00, as "hh:mm:ss". The day is dropped, so
+// 90000 seconds read "01:00:00".
+QString FormatClock(qint64 seconds);
