@@ -1,0 +1,51 @@
+#!/bin/sh
+# Prepares a Debian 12 machine for Velmora and builds it: installs the Debian
+# packages that are missing (nothing is downloaded when all are there),
+# configures the build folder and builds.
+#
+#   scripts/setup.sh [run|test]
+#
+# "run" also installs what the desktop needs to open files and folders.
+# The build folder is ./build, or $VELMORA_BUILD_DIR when set.
+set -eu
+
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
+MODE=${1:-test}
+
+PACKAGES="cmake ninja-build g++ pkg-config ccache clang libclang-rt-14-dev
+qt6-base-dev qt6-svg-dev qt6-qpa-plugins libmediainfo-dev mediainfo
+ffmpeg mpgtx vbrfix
+libgtest-dev libgmock-dev libbenchmark-dev
+xvfb xauth fonts-dejavu-core"
+if [ "$MODE" = run ]; then
+    PACKAGES="$PACKAGES xdg-utils"
+fi
+
+missing=""
+for package in $PACKAGES; do
+    if ! dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
+        missing="$missing $package"
+    fi
+done
+
+if [ -n "$missing" ]; then
+    echo "Installing missing packages:$missing"
+    if [ "$(id -u)" -eq 0 ]; then
+        SUDO=""
+    elif command -v sudo >/dev/null 2>&1; then
+        SUDO="sudo"
+    else
+        echo "These packages are missing and neither root nor sudo is at hand:$missing" >&2
+        exit 1
+    fi
+    $SUDO env DEBIAN_FRONTEND=noninteractive apt-get update
+    # shellcheck disable=SC2086
+    $SUDO env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
+fi
+
+JOBS=$(nproc 2>/dev/null || echo 2)
+if [ ! -f "$BUILD_DIR/build.ninja" ]; then
+    cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+fi
+cmake --build "$BUILD_DIR" -j"$JOBS"

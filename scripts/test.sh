@@ -1,0 +1,18 @@
+#!/bin/sh
+# Installs what is missing, builds Velmora with its tests and benchmarks, and
+# runs the whole test suite headless. Ends with CTest's summary.
+set -eu
+
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
+
+"$ROOT/scripts/setup.sh" test
+
+# Windows are drawn offscreen; a virtual X display stands by for anything that
+# needs a real one.
+export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+cd "$BUILD_DIR"
+if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null 2>&1; then
+    exec xvfb-run -a ctest -j2 --output-on-failure
+fi
+exec ctest -j2 --output-on-failure
