@@ -25,7 +25,10 @@ namespace {
 
 const QString kOperation1 = QStringLiteral("1");
 const QString kOperation2 = QStringLiteral("2");
-const QString kShell = QStringLiteral("/bin/sh");
+QString& scriptShell() {
+    static QString shell;
+    return shell;
+}
 
 JoinRun::LauncherFactory& launcherFactory() {
     static JoinRun::LauncherFactory factory;
@@ -71,6 +74,10 @@ JoinRun::~JoinRun() = default;
 
 JoinRun::LauncherFactory JoinRun::setLauncherFactory(LauncherFactory factory) {
     return std::exchange(launcherFactory(), std::move(factory));
+}
+
+QString JoinRun::setScriptShell(const QString& shell) {
+    return std::exchange(scriptShell(), shell);
 }
 
 void JoinRun::syncTimers() {
@@ -155,7 +162,8 @@ void JoinRun::startOperation2() {
         launcher_->setBufferSize(8192);
         launcher_->setStopTimeout(1000);
         const QString script = mp3 ? JoinNames::kMp3Script : JoinNames::kMpeg2Script;
-        launcher_->command(kShell, {AppDataPath(script)});
+        const QString shell = scriptShell().isEmpty() ? QStringLiteral("/bin/sh") : scriptShell();
+        launcher_->command(shell, {AppDataPath(script)});
         const int status = launcher_->status();
         if (status == ProcessRunner::AlreadyRunning) {
             model_.questions.msgBox(QStringLiteral("Process is already running!"),

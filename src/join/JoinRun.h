@@ -69,6 +69,9 @@ public:
     // A test may hand out one that is busy already.
     using LauncherFactory = std::function<ProcessRunner*(QObject* parent)>;
     static LauncherFactory setLauncherFactory(LauncherFactory factory);
+    // The shell that runs the fix scripts, "/bin/sh"; a test may name one that
+    // cannot be started. Returns the previous one; empty restores the default.
+    static QString setScriptShell(const QString& shell);
 
 private:
     void startOperation2();

@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <csignal>
+
+#include "join/JoinRunTestBed.h"
+#include "platform/EventTurn.h"
+#include "platform/ProcessRunner.h"
+
+namespace {
+
+bool processGone(qint64 pid) {
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z ");
+}
+
+class JoinCancelTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        a = bed.media + QStringLiteral("/a.mp3");
+        b = bed.media + QStringLiteral("/b.mp3");
+        JoinRunTestBed::writeFile(a, QByteArray(3000, 'a'));
+        JoinRunTestBed::writeFile(b, QByteArray(2000, 'b'));
+        output = bed.media + QStringLiteral("/joined.mp3");
+        temp = output + QStringLiteral(".vlr.mp3");
+        bed.setOutput(output);
+        bed.makeMp3List({a, b});
+        // Everything a join leaves in the per-user folder.
+        for (const char* name : {"TempFile.bat", "MP3.bat", "MPEG2.bat", "MP3.exe", "MPEG.exe",
+                                 "MPEG2.exe", "mingwm10.dll", "pthreadGC2.dll"}) {
+            if (!QFile::exists(bed.appData + u'/' + QLatin1String(name))) {
+                JoinRunTestBed::writeFile(bed.appData + u'/' + QLatin1String(name), "x");
+            }
+        }
+    }
+    void TearDown() override {
+        setEventTurnHook({});
+        for (QProcess* process : processes) {
+            process->kill();
+            process->waitForFinished(2000);
+            delete process;
+        }
+    }
+    // A process of this test with the given image name (a copy of sleep).
+    QProcess* startAs(const QString& name) {
+        const QString folder = bed.dir.path() + QStringLiteral("/elsewhere");
+        QDir().mkpath(folder);
+        QFile::copy(QStringLiteral("/bin/sleep"), folder + u'/' + name);
+        auto* process = new QProcess;
+        process->start(folder + u'/' + name, {QStringLiteral("30")});
+        process->waitForStarted();
+        processes << process;
+        return process;
+    }
+    // A first script that starts TempFile and then hangs in a long step.
+    void writeHangingJoinScript() {
+        bed.writeScript(QStringLiteral("TempFile.bat"),
+                        QStringLiteral("cat %1 > %2\nsleep 30\ncat %3 >> %2\n")
+                                .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(temp),
+                                     JoinRunTestBed::quoted(b)) +
+                            bed.removeMarkerLine() + QStringLiteral("exit\n"));
+    }
+
+    JoinRunTestBed bed;
+    QString a, b, output, temp;
+    QList<QProcess*> processes;
+};
+
+}  // namespace
+
+TEST_F(JoinCancelTest, CancelInOperation1_EndsScript_CleansUp_ShowsCancelled) {
+    writeHangingJoinScript();
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    ASSERT_TRUE(bed.tickUntil([&] { return QFileInfo(temp).size() == 3000; }));
+    const qint64 shell = run.firstScriptProcessId();
+    int focusRequests = 0;
+    QObject::connect(&bed.state, &JoinWizardState::focusOnFordRequested, [&] { ++focusRequests; });
+
+    run.cancelClicked();
+
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return processGone(shell); }, 5000));
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+    EXPECT_FALSE(QFile::exists(temp));
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_EQ(JoinRunTestBed::readFile(a), QByteArray(3000, 'a'));
+    EXPECT_EQ(JoinRunTestBed::readFile(b), QByteArray(2000, 'b'));
+    EXPECT_TRUE(run.cancelled());
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("[Cancelled]"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+    EXPECT_TRUE(bed.state.cancelButtonEnabled());
+    EXPECT_FALSE(bed.state.optionsButtonEnabled());
+    EXPECT_FALSE(bed.state.timerEnabled());
+    EXPECT_FALSE(bed.state.elapsedTimerEnabled());
+    EXPECT_EQ(bed.state.progressValue(), bed.state.progressMax());
+    EXPECT_EQ(focusRequests, 1);
+    // Nothing comes back after a while.
+    QThread::msleep(200);
+    EXPECT_FALSE(QFile::exists(temp));
+}
+
+TEST_F(JoinCancelTest, SecondClickOnClose_RequestsClose) {
+    writeHangingJoinScript();
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    run.cancelClicked();
+    int closeRequests = 0;
+    QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
+    run.cancelClicked();
+    EXPECT_EQ(closeRequests, 1);
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+}
+
+TEST_F(JoinCancelTest, WaitLoop_DeletesAgainUntilNothingComesBack) {
+    JoinRun& run = bed.makeRun();
+    bed.state.setOperationTag(QStringLiteral("1"));
+    JoinRunTestBed::writeFile(temp, "partial");
+    JoinRunTestBed::writeFile(output + QStringLiteral(".vlr.mpg"), "partial");
+    int turns = 0;
+    QStringList captions;
+    QList<bool> buttonStates;
+    // A writer that is still busy: the files come back twice.
+    setEventTurnHook([&] {
+        ++turns;
+        captions << bed.state.windowCaption();
+        buttonStates << bed.state.cancelButtonEnabled();
+        if (turns <= 2) {
+            JoinRunTestBed::writeFile(output, "late");
+        }
+    });
+    run.cancelClicked();
+    EXPECT_EQ(turns, 3);
+    EXPECT_EQ(captions, QStringList(3, QStringLiteral("Join Wizard (Cancelling...)")));
+    EXPECT_EQ(buttonStates, QList<bool>(3, false));
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_FALSE(QFile::exists(temp));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_TRUE(bed.state.cancelButtonEnabled());
+}
+
+TEST_F(JoinCancelTest, Close_AfterFinish_CleansAppData_KeepsOutput_NoWait) {
+    JoinRun& run = bed.makeRun();
+    JoinRunTestBed::writeFile(output, "joined");
+    QDir().mkpath(bed.marker());
+    bed.state.setCancelButtonCaption(QStringLiteral("&Close"));
+    int closeRequests = 0;
+    int turns = 0;
+    QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
+    setEventTurnHook([&] { ++turns; });
+    run.cancelClicked();
+    EXPECT_EQ(closeRequests, 1);
+    EXPECT_EQ(turns, 0);
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray("joined"));
+    EXPECT_FALSE(run.cancelled());
+}
+
+TEST_F(JoinCancelTest, ToolsAreKilledByName_OnlyWhenTheirCopyLiesInAppData) {
+    QFile::remove(bed.appData + QStringLiteral("/MPEG.exe"));
+    QProcess* mp3 = startAs(QStringLiteral("xMP3.exe"));
+    QProcess* mpeg = startAs(QStringLiteral("MPEG.exe"));
+    JoinRun& run = bed.makeRun();
+    run.cancelClicked();
+    EXPECT_TRUE(mp3->waitForFinished(5000));
+    EXPECT_EQ(mp3->exitStatus(), QProcess::CrashExit);
+    EXPECT_FALSE(mpeg->waitForFinished(300));
+    EXPECT_EQ(mpeg->state(), QProcess::Running);
+}
+
+TEST_F(JoinCancelTest, CancelInOperation2_EndsTheFixScriptAndItsTool) {
+    // The fix script runs a long tool under the tool's own name.
+    QFile::remove(bed.appData + QStringLiteral("/MP3.exe"));
+    QFile::copy(QStringLiteral("/bin/sleep"), bed.appData + QStringLiteral("/MP3.exe"));
+    bed.writeScript(QStringLiteral("TempFile.bat"),
+                    QStringLiteral("cat %1 > %2\n")
+                            .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(temp)) +
+                        bed.removeMarkerLine());
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("printf part > %1\n%2 30\nprintf rest >> %1\n")
+                            .arg(JoinRunTestBed::quoted(output),
+                                 JoinRunTestBed::quoted(bed.appData + QStringLiteral("/MP3.exe"))) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    ASSERT_TRUE(bed.tickUntil([&] { return QFile::exists(output); }));
+    ASSERT_NE(run.launcher(), nullptr);
+    const qint64 shell = run.launcher()->processId();
+    run.cancelClicked();
+    EXPECT_EQ(run.launcher(), nullptr);
+    EXPECT_TRUE(processGone(shell));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+    QThread::msleep(200);
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_FALSE(QFile::exists(temp));
+}
+
+TEST_F(JoinCancelTest, FinishWithoutOutput_KeepsCancel_WhoseClickShowsCancelled) {
+    bed.writeScript(QStringLiteral("TempFile.bat"), bed.removeMarkerLine());
+    bed.writeScript(QStringLiteral("MP3.bat"), bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    ASSERT_TRUE(bed.tickUntil([&] { return !bed.state.timerEnabled(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Cancel"));
+    EXPECT_EQ(bed.state.elapsedTimeCaption(), QStringLiteral("Time taken:"));
+    EXPECT_FALSE(bed.state.elapsedTimerEnabled());
+    run.cancelClicked();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+}

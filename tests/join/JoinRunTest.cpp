@@ -1,0 +1,290 @@
+#include <gtest/gtest.h>
+
+#include "join/JoinRunTestBed.h"
+#include "platform/ProcessRunner.h"
+
+namespace {
+
+// A run of an MPEG list with hand-written scripts: the first script waits
+// for a "go" file, so that the test sees JoinOperation 1 while it runs.
+class JoinRunTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        a = bed.media + QStringLiteral("/a.mpg");
+        b = bed.media + QStringLiteral("/b.mpg");
+        JoinRunTestBed::writeFile(a, QByteArray(3000, 'a'));
+        JoinRunTestBed::writeFile(b, QByteArray(2000, 'b'));
+        output = bed.media + QStringLiteral("/joined.mpg");
+        bed.setOutput(output);
+        go = bed.dir.path() + QStringLiteral("/go");
+    }
+    QString temp() const { return output + QStringLiteral(".vlr.mpg"); }
+    // The first script: waits for go, joins, removes the marker.
+    void writeJoinScript(const QString& tempFile) {
+        bed.writeScript(QStringLiteral("TempFile.bat"),
+                        QStringLiteral("while [ ! -f %1 ]; do sleep 0.01; done\n"
+                                       "cat %2 > %4\ncat %3 >> %4\n")
+                                .arg(JoinRunTestBed::quoted(go), JoinRunTestBed::quoted(a),
+                                     JoinRunTestBed::quoted(b), JoinRunTestBed::quoted(tempFile)) +
+                            bed.removeMarkerLine() + QStringLiteral("exit\n"));
+    }
+    void letGo() { JoinRunTestBed::writeFile(go, "go"); }
+    bool inOperation2() const { return bed.state.operationTag() == QStringLiteral("2"); }
+
+    JoinRunTestBed bed;
+    QString a, b, output, go;
+};
+
+}  // namespace
+
+TEST_F(JoinRunTest, Load_BarMaximumFromListSize_Operation1_MarkerAndLaunch) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    bed.model.state.setSizeCaption(QStringLiteral("1,000 KB"));
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    EXPECT_EQ(bed.state.progressMax(), 1024000.0F);
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 1 of 2"));
+    EXPECT_EQ(bed.state.operationTag(), QStringLiteral("1"));
+    EXPECT_TRUE(QFileInfo(bed.marker()).isDir());
+    EXPECT_GT(run.firstScriptProcessId(), 0);
+    EXPECT_TRUE(bed.state.timerEnabled());
+    EXPECT_TRUE(bed.state.elapsedTimerEnabled());
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+    letGo();
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return !QFileInfo::exists(bed.marker()); }, 10000));
+}
+
+TEST_F(JoinRunTest, Tick_Operation1Running_WatchesTempFileGrow) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    bed.model.state.setSizeCaption(QStringLiteral("1,000 KB"));
+    writeJoinScript(temp() + QStringLiteral(".unused"));
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    run.tick();
+    // No TempFile yet: nothing moves.
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("0 KB"));
+    JoinRunTestBed::writeFile(temp(), QByteArray(512000, 'x'));
+    run.tick();
+    EXPECT_EQ(bed.state.progressValue(), 512000.0F);
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("500 KB"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (50%)"));
+    EXPECT_EQ(bed.state.operationTag(), QStringLiteral("1"));
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+}
+
+TEST_F(JoinRunTest, OtherMpeg_RenamesTempFile_ShowsOperation2ForOneTick_ThenFinishes) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    bed.model.state.setSizeCaption(QStringLiteral("5 KB"));
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    EXPECT_FALSE(QFile::exists(temp()));
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray(3000, 'a') + QByteArray(2000, 'b'));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("5 KB"));
+    run.tick();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+    EXPECT_FALSE(bed.state.timerEnabled());
+    EXPECT_EQ(bed.questions.asked.size(), 0);
+}
+
+TEST_F(JoinRunTest, Mpeg1V_NoFixScript_OutputIsTheJoin) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-1V"));
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(run.launcher(), nullptr);
+    EXPECT_EQ(QFileInfo(output).size(), 5000);
+}
+
+TEST_F(JoinRunTest, Mp3_MarkerMadeTwice_FixScriptRunsThroughLauncher_TempFileDeleted) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    const QString seen = bed.dir.path() + QStringLiteral("/marker-seen");
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("echo Fixing MP3 File...\n"
+                                   "[ -d %1 ] && echo yes > %2\n"
+                                   "head -c 1000 %3 > %4\n")
+                            .arg(JoinRunTestBed::quoted(bed.marker()), JoinRunTestBed::quoted(seen),
+                                 JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine() + QStringLiteral("exit\n"));
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    ASSERT_NE(run.launcher(), nullptr);
+    EXPECT_EQ(run.launcher()->bufferSize(), 8192);
+    EXPECT_EQ(run.launcher()->stopTimeout(), 1000);
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_TRUE(QFile::exists(seen));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(QFileInfo(output).size(), 1000);
+    EXPECT_FALSE(QFile::exists(mp3Temp));
+}
+
+TEST_F(JoinRunTest, Mp3_FixerLeavesNothing_RawJoinBecomesOutput) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    bed.writeScript(QStringLiteral("MP3.bat"), bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(QFileInfo(output).size(), 5000);
+    EXPECT_FALSE(QFile::exists(mp3Temp));
+}
+
+TEST_F(JoinRunTest, Mp3_FixerLeavesEmptyFile_IsKept) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    bed.writeScript(
+        QStringLiteral("MP3.bat"),
+        QStringLiteral(": > %1\n").arg(JoinRunTestBed::quoted(output)) + bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_TRUE(QFile::exists(output));
+    EXPECT_EQ(QFileInfo(output).size(), 0);
+    EXPECT_FALSE(QFile::exists(mp3Temp));
+    // The size of an empty output: the pattern gives nothing, " KB" stays.
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral(" KB"));
+}
+
+TEST_F(JoinRunTest, Mpeg2V_FixerLeavesEmptyFile_IsReplacedByRawJoin) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
+    writeJoinScript(temp());
+    bed.writeScript(
+        QStringLiteral("MPEG2.bat"),
+        QStringLiteral(": > %1\n").arg(JoinRunTestBed::quoted(output)) + bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(QFileInfo(output).size(), 5000);
+    EXPECT_FALSE(QFile::exists(temp()));
+}
+
+TEST_F(JoinRunTest, Mpeg2V_FixerWritesOutput_TempFileDeleted) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
+    writeJoinScript(temp());
+    bed.writeScript(QStringLiteral("MPEG2.bat"),
+                    QStringLiteral("printf 'size=  4kB time=00:00:01.00 x\\r'\nprintf fixed > %1\n")
+                            .arg(JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    bed.model.state.setDurationCaption(QStringLiteral("00:00:02"));
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray("fixed"));
+    EXPECT_FALSE(QFile::exists(temp()));
+}
+
+TEST_F(JoinRunTest, FixScriptCannotStart_ShowsErrorNumber_AndWaitsForCancel) {
+    bed.makeMp3List({a, b});
+    writeJoinScript(output + QStringLiteral(".vlr.mp3"));
+    bed.writeScript(QStringLiteral("MP3.bat"), bed.removeMarkerLine());
+    const QString previous = JoinRun::setScriptShell(QStringLiteral("/nonexistent/sh"));
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    JoinRun::setScriptShell(previous);
+    ASSERT_EQ(bed.questions.asked.size(), 1);
+    EXPECT_EQ(bed.questions.asked[0].prompt, QStringLiteral("An error occured!\rError Details: 2"));
+    EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+    EXPECT_EQ(bed.questions.asked[0].title, QString());
+    // Hung: the marker stays, and ticks change nothing until the user cancels.
+    for (int i = 0; i < 20; ++i) {
+        run.tick();
+    }
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    EXPECT_TRUE(bed.state.timerEnabled());
+    run.cancelClicked();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_FALSE(QFileInfo::exists(bed.marker()));
+}
+
+TEST_F(JoinRunTest, FixScriptWhileLauncherBusy_ShowsProcessAlreadyRunning) {
+    bed.makeMp3List({a, b});
+    writeJoinScript(output + QStringLiteral(".vlr.mp3"));
+    const auto previous = JoinRun::setLauncherFactory([](QObject* parent) {
+        auto* busy = new ProcessRunner(parent);
+        busy->command(QStringLiteral("/bin/sleep"), {QStringLiteral("30")});
+        return busy;
+    });
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    JoinRun::setLauncherFactory(previous);
+    ASSERT_EQ(bed.questions.asked.size(), 1);
+    EXPECT_EQ(bed.questions.asked[0].prompt, QStringLiteral("Process is already running!"));
+    EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+    run.cancelClicked();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+}
+
+TEST_F(JoinRunTest, Clock_CountsSeconds_AndStopsAt32767) {
+    JoinRun& run = bed.makeRun();
+    run.clockTick();
+    EXPECT_EQ(bed.state.elapsedTimeText(), QStringLiteral("00:00:01"));
+    run.setElapsedSeconds(32766);
+    run.clockTick();
+    EXPECT_EQ(bed.state.elapsedTimeText(), QStringLiteral("09:06:07"));
+    run.clockTick();
+    EXPECT_EQ(run.elapsedSeconds(), 32767);
+    EXPECT_EQ(bed.state.elapsedTimeText(), QStringLiteral("09:06:07"));
+}
+
+TEST_F(JoinRunTest, OwnTimers_CarryTheRunToItsEnd) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(true);
+    letGo();
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 20000));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_FALSE(bed.state.timerEnabled());
+    EXPECT_FALSE(bed.state.elapsedTimerEnabled());
+}
+
+TEST_F(JoinRunTest, DebugLog_RecordsOfARun_InOrder) {
+    const QString log = bed.dir.path() + QStringLiteral("/debug.log");
+    StartLogging(log, 2);
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
+    bed.model.state.setSizeCaption(QStringLiteral("5 KB"));
+    writeJoinScript(temp());
+    bed.writeScript(QStringLiteral("MPEG2.bat"),
+                    QStringLiteral("printf 'tool says hello'\nprintf fixed > %1\n")
+                            .arg(JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    StopLogging();
+    const QStringList lines = QString::fromUtf8(JoinRunTestBed::readFile(log)).split(u'\n');
+    ASSERT_GE(lines.size(), 5);
+    EXPECT_EQ(lines[0], QStringLiteral("BAT1 Launched."));
+    EXPECT_EQ(lines[1], QStringLiteral("OutputFile=") + output);
+    EXPECT_EQ(lines[2], QStringLiteral("Operation1 Size=5 KB"));
+    EXPECT_EQ(lines[3], QStringLiteral("tool says hello"));
+    // The MPEG-2 fix shows no size of its own from the file: the record holds
+    // what WrittenSizeLabel said at the end.
+    EXPECT_EQ(lines[4], QStringLiteral("Operation2 Size=0 KB"));
+}
