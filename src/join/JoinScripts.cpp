@@ -1,7 +1,6 @@
 #include "join/JoinScripts.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
@@ -52,18 +51,21 @@ void log(const QString& text) {
     }
 }
 
-// Writes a script anew: every line followed by the dialect's line end.
+// Writes a script anew: every line followed by the dialect's line end. The
+// earlier file is removed first, so a shell that may still read it keeps its
+// own copy and the new script starts as a new file.
 void writeScript(const QString& path, const QStringList& lines, const ScriptDialect& dialect) {
     QString text;
     for (const QString& line : lines) {
-        text += line + dialect.lineEnd();
+        text += line;
+        text += dialect.lineEnd();
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    QFile::remove(path);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         return;
     }
     file.write(text.toUtf8());
-    file.commit();
 }
 
 }  // namespace
