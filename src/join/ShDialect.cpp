@@ -55,22 +55,31 @@ QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
     return line + QStringLiteral("-o ") + quote(tempFile) + kNoInput;
 }
 
-// The fixer rewrites a VBR join with a header that counts every frame and drops
-// the header frames of the later files. It writes work files into its working
-// folder, so it runs in a scratch folder that is removed behind it. On a CBR
-// join it leaves no output; the raw join is then copied into a new stream by
-// the MPEG-2 tool, which writes a header that gives the whole length.
+// Two steps. The fixer rewrites a VBR join with a header that counts every
+// frame and drops the header frames of the later files; on a CBR join it
+// writes nothing, and on a join of CBR files of different bit rates it keeps
+// the first file's header, which gives that file's length only. So the MPEG-2
+// tool then copies the fixer's result (or the raw join where there is none)
+// into OutputFile as a new stream, whose header it writes from the frames it
+// has copied. The fixer leaves work files in its working folder, so it runs in
+// a scratch folder that is removed behind it.
 QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
+    const QString fixed = quote(childPath(fix.scratchFolder, QStringLiteral("Fixed.mp3")));
+    const QString scratch = quote(fix.scratchFolder);
     QStringList lines = stopIfGoneLines(fix.scriptPath);
-    lines << QStringLiteral("mkdir -p ") + quote(fix.scratchFolder) + kNoInput +
-                 QStringLiteral(" && cd ") + quote(fix.scratchFolder) + QStringLiteral(" && ") +
-                 quote(fix.fixTool) + QStringLiteral(" -ri1 -ri2 -lameinfo ") +
-                 quote(fix.tempFile) + u' ' + quote(fix.outputFile) + kNoInput;
-    lines << QStringLiteral("cd / && rm -rf ") + quote(fix.scratchFolder) + kNoInput;
-    lines << stopIfGoneLines(fix.scriptPath);
-    lines << QStringLiteral("[ -s ") + quote(fix.outputFile) + QStringLiteral(" ] || ") +
-                 quote(fix.remuxTool) + QStringLiteral(" -nostdin -i ") + quote(fix.tempFile) +
-                 QStringLiteral(" -c copy -f mp3 -y ") + quote(fix.outputFile) + kNoInput;
+    lines << QStringLiteral("mkdir -p ") + scratch + kNoInput + QStringLiteral(" && cd ") +
+                 scratch + QStringLiteral(" && ") + quote(fix.fixTool) +
+                 QStringLiteral(" -ri1 -ri2 -lameinfo ") + quote(fix.tempFile) + u' ' + fixed +
+                 kNoInput;
+    lines << QStringLiteral("cd / && rm -f ") +
+                 quote(childPath(fix.scratchFolder, QStringLiteral("vbrfix.tmp"))) + kNoInput;
+    lines << QStringLiteral("source=") + quote(fix.tempFile) + QStringLiteral("; [ -s ") + fixed +
+                 QStringLiteral(" ] && source=") + fixed;
+    lines << QStringLiteral("[ -f ") + quote(fix.scriptPath) + QStringLiteral(" ] && ") +
+                 quote(fix.remuxTool) +
+                 QStringLiteral(" -nostdin -i \"$source\" -c copy -f mp3 -y ") +
+                 quote(fix.outputFile) + kNoInput;
+    lines << QStringLiteral("rm -rf ") + scratch + kNoInput;
     return lines;
 }
 

@@ -205,6 +205,7 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
 
     const QString stopFix = "[ -f " + q(app("MP3.bat")) + " ] || exit 1";
     const QString scratch = q(app("MP3Fix"));
+    const QString fixed = q(app("MP3Fix/Fixed.mp3"));
     const QStringList expectedFix = {
         "#!/bin/sh",
         "echo Generated with Velmora",
@@ -212,11 +213,12 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
         "echo Fixing MP3 File...",
         stopFix,
         "mkdir -p " + scratch + " < /dev/null && cd " + scratch + " && " + q(app("MP3.exe")) +
-            " -ri1 -ri2 -lameinfo " + q(temp) + " " + q(output) + " < /dev/null",
-        "cd / && rm -rf " + scratch + " < /dev/null",
-        stopFix,
-        "[ -s " + q(output) + " ] || " + q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
-            " -c copy -f mp3 -y " + q(output) + " < /dev/null",
+            " -ri1 -ri2 -lameinfo " + q(temp) + " " + fixed + " < /dev/null",
+        "cd / && rm -f " + q(app("MP3Fix/vbrfix.tmp")) + " < /dev/null",
+        "source=" + q(temp) + "; [ -s " + fixed + " ] && source=" + fixed,
+        "[ -f " + q(app("MP3.bat")) + " ] && " + q(app("MPEG2.exe")) +
+            " -nostdin -i \"$source\" -c copy -f mp3 -y " + q(output) + " < /dev/null",
+        "rm -rf " + scratch + " < /dev/null",
         "echo MP3 File has been fixed!",
         stopFix,
         "rmdir " + q(app("JoinTemp")) + " < /dev/null",
