@@ -271,6 +271,7 @@ bool IsLiveFile(const QString& path) {
     if (path.isEmpty()) {
         return false;
     }
+    // A plain file only; a name that starts with a dot is a hidden file.
     const QFileInfo info(path);
     return info.isFile() && !info.fileName().startsWith(u'.');
 }

@@ -49,19 +49,38 @@ bool parseWholeNumber(QStringView text, QStringView group, double& value) {
     return true;
 }
 
-QString withoutUnit(QString text, const QString& unit) {
-    text.remove(unit);
-    return text;
+// The text of a cell with every occurrence of its unit deleted. The unit
+// nearly always stands once, at the end, and is then cut off without a copy.
+QStringView withoutUnit(QStringView text, const QString& unit, QString& scratch) {
+    QStringView view = text;
+    if (view.endsWith(unit)) {
+        view.chop(unit.size());
+        if (!view.contains(unit)) {
+            return view;
+        }
+    } else if (!view.contains(unit)) {
+        return view;
+    }
+    scratch = text.toString();
+    scratch.remove(unit);
+    return scratch;
+}
+
+// Cell n of a row, the empty text for a cell that was never written.
+QStringView cellOf(const QStringList& row, int n) {
+    return n < row.size() ? QStringView(row.at(n)) : QStringView();
 }
 
 }  // namespace
 
-bool ParseCellNumber(const QString& text, const QLocale& locale, double& value) {
-    const QStringView trimmed = QStringView(text).trimmed();
+namespace {
+
+bool parseCellNumber(QStringView text, const QLocale& locale, QStringView group, double& value) {
+    const QStringView trimmed = text.trimmed();
     if (trimmed.isEmpty()) {
         return false;
     }
-    if (parseWholeNumber(trimmed, locale.groupSeparator(), value)) {
+    if (parseWholeNumber(trimmed, group, value)) {
         return true;
     }
     bool ok = false;
@@ -71,6 +90,12 @@ bool ParseCellNumber(const QString& text, const QLocale& locale, double& value) 
     }
     value = parsed;
     return true;
+}
+
+}  // namespace
+
+bool ParseCellNumber(QStringView text, const QLocale& locale, double& value) {
+    return parseCellNumber(text, locale, locale.groupSeparator(), value);
 }
 
 QString FormatKilobytes(double kilobytes, const QLocale& locale) {
@@ -114,18 +139,22 @@ void UpdateListTotals(MainModel& model) {
     // that adds nothing. Each row adds only its whole seconds.
     qint32 seconds = 0;
     double kilobytes = 0;
+    const QString group = locale.groupSeparator();
+    QString scratch;
     for (int i = 1; i <= rows; ++i) {
+        const QStringList& row = items.cells(i);
         double value = 0;
         if (durationCell >= 0 &&
-            ParseCellNumber(withoutUnit(items.cell(i, durationCell), kSecondsUnit), locale,
-                            value)) {
+            parseCellNumber(withoutUnit(cellOf(row, durationCell), kSecondsUnit, scratch), locale,
+                            group, value)) {
             const double sum = static_cast<double>(seconds) + std::floor(value);
             if (sum >= std::numeric_limits<qint32>::min() &&
                 sum <= std::numeric_limits<qint32>::max()) {
                 seconds = static_cast<qint32>(sum);
             }
         }
-        if (ParseCellNumber(withoutUnit(items.cell(i, 1), kKilobyteUnit), locale, value)) {
+        if (parseCellNumber(withoutUnit(cellOf(row, 1), kKilobyteUnit, scratch), locale, group,
+                            value)) {
             kilobytes += std::floor(value);
         }
     }
@@ -152,7 +181,7 @@ bool columnMadeOfFirstCell(const ItemList& items, int cell) {
     // The common case, every cell the same text, needs no joined text.
     bool allSame = true;
     for (int i = 2; i <= rows && allSame; ++i) {
-        allSame = items.cell(i, cell) == first;
+        allSame = cellOf(items.cells(i), cell) == first;
     }
     if (allSame) {
         return true;

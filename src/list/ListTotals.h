@@ -2,6 +2,7 @@
 
 #include <QLocale>
 #include <QString>
+#include <QStringView>
 #include <QtGlobal>
 
 struct MainModel;
@@ -23,7 +24,7 @@ void SetListStatus(MainModel& model, const QString& status);
 // Reads the number in a cell's text once its unit is gone: surrounding blanks
 // are ignored, and the locale's digit grouping is accepted ("4,211" in a
 // locale that groups with commas). False for empty or non-numeric text.
-bool ParseCellNumber(const QString& text, const QLocale& locale, double& value);
+bool ParseCellNumber(QStringView text, const QLocale& locale, double& value);
 
 // A size in the pattern "#,###,###": rounded to the nearest whole number,
 // thousands grouped by the locale, and nothing at all for 0.

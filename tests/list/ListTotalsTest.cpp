@@ -221,14 +221,14 @@ TEST(ListTotals, SetListStatus_OtherTextKeepsPicture) {
 TEST(ListTotals, ParseCellNumber_AcceptsPlainGroupedAndDecimal) {
     const QLocale us(QLocale::English, QLocale::UnitedStates);
     double v = 0;
-    EXPECT_TRUE(ParseCellNumber("61", us, v));
+    EXPECT_TRUE(ParseCellNumber(u"61", us, v));
     EXPECT_EQ(v, 61);
-    EXPECT_TRUE(ParseCellNumber(" 1,234,567 ", us, v));
+    EXPECT_TRUE(ParseCellNumber(u" 1,234,567 ", us, v));
     EXPECT_EQ(v, 1234567);
-    EXPECT_TRUE(ParseCellNumber("2.9", us, v));
+    EXPECT_TRUE(ParseCellNumber(u"2.9", us, v));
     EXPECT_DOUBLE_EQ(v, 2.9);
-    EXPECT_FALSE(ParseCellNumber("", us, v));
-    EXPECT_FALSE(ParseCellNumber("12a", us, v));
+    EXPECT_FALSE(ParseCellNumber(u"", us, v));
+    EXPECT_FALSE(ParseCellNumber(u"12a", us, v));
 }
 
 TEST(ListTotals, FormatKilobytes_PrintsNothingForZero) {
