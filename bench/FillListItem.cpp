@@ -1,0 +1,202 @@
+// The cost of filling one row of an MP3 list, per file, next to the cost of
+// the media library alone on the same files (open, the seven value templates,
+// close). 1,000 real MP3 files are made once with ffmpeg (copies of a few
+// encodings) into a temporary folder.
+#include <benchmark/benchmark.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "list/FillListItem.h"
+#include "list/MainModel.h"
+#include "media/ID3Reader.h"
+#include "platform/Clipboard.h"
+#include "platform/Questions.h"
+
+extern "C" {
+void* MediaInfo_New();
+void MediaInfo_Delete(void* handle);
+std::size_t MediaInfo_Open(void* handle, const wchar_t* file);
+void MediaInfo_Close(void* handle);
+const wchar_t* MediaInfo_Inform(void* handle, std::size_t reserved);
+const wchar_t* MediaInfo_Option(void* handle, const wchar_t* option, const wchar_t* value);
+}
+
+namespace {
+
+constexpr int kFiles = 1000;
+
+class SilentQuestions : public Questions {
+public:
+    int msgBox(const QString&, int, const QString&) override { return Msg::Ok; }
+    void showOpen(CommonDialog&) override {}
+    void showSave(CommonDialog&) override {}
+};
+
+class NoClipboard : public Clipboard {
+public:
+    QString text() const override { return {}; }
+    void setText(const QString&) override {}
+    void clear() override {}
+};
+
+bool Encode(const QString& path, int kbps, int rate, int channels, double seconds, bool tag) {
+    QStringList args{"-nostdin",
+                     "-y",
+                     "-loglevel",
+                     "error",
+                     "-f",
+                     "lavfi",
+                     "-i",
+                     QStringLiteral("sine=frequency=%1:sample_rate=%2:duration=%3")
+                         .arg(300 + kbps)
+                         .arg(rate)
+                         .arg(seconds),
+                     "-ac",
+                     QString::number(channels),
+                     "-c:a",
+                     "libmp3lame",
+                     "-b:a",
+                     QStringLiteral("%1k").arg(kbps),
+                     "-write_id3v1",
+                     tag ? "1" : "0"};
+    if (tag) {
+        args += {"-metadata", "title=Bench", "-metadata", "artist=Velmora"};
+    } else {
+        args += {"-id3v2_version", "0"};
+    }
+    args += {"-f", "mp3", path};
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"), args);
+    return ffmpeg.waitForFinished(120000) && ffmpeg.exitCode() == 0;
+}
+
+// The 1,000 files, made at the first use and kept for the whole run.
+struct Corpus {
+    QTemporaryDir dir;
+    QStringList paths;
+    bool ok = false;
+
+    Corpus() {
+        struct Kind {
+            int kbps, rate, channels;
+            double seconds;
+            bool tag;
+        };
+        const Kind kinds[] = {{128, 44100, 2, 30, true},
+                              {192, 48000, 2, 20, false},
+                              {96, 44100, 1, 45, true},
+                              {320, 44100, 2, 10, false},
+                              {64, 32000, 1, 60, true}};
+        QStringList masters;
+        int k = 0;
+        for (const Kind& kind : kinds) {
+            const QString path = dir.filePath(QStringLiteral("master%1.mp3").arg(k++));
+            if (!Encode(path, kind.kbps, kind.rate, kind.channels, kind.seconds, kind.tag)) {
+                return;
+            }
+            masters.append(path);
+        }
+        for (int i = 0; i < kFiles; ++i) {
+            const QString path =
+                dir.filePath(QStringLiteral("track%1.mp3").arg(i, 4, 10, QChar('0')));
+            if (!QFile::copy(masters.at(i % masters.size()), path)) {
+                return;
+            }
+            paths.append(path);
+        }
+        ok = true;
+    }
+};
+
+Corpus& Files() {
+    static Corpus corpus;
+    return corpus;
+}
+
+void BM_MediaInfoAlone(benchmark::State& state) {
+    Corpus& corpus = Files();
+    if (!corpus.ok) {
+        state.SkipWithError("could not make the MP3 files with ffmpeg");
+        return;
+    }
+    std::vector<std::wstring> names;
+    for (const QString& path : corpus.paths) {
+        names.push_back(path.toStdWString());
+    }
+    const wchar_t* templates[] = {
+        L"General;%PlayTime%", L"Audio;%BitRate%", L"Audio;%SamplingRate%", L"Audio;%Channel(s)%",
+        L"Video;%Codec%",      L"Video;%Width%",   L"Video;%Height%"};
+    std::size_t i = 0;
+    for (auto _ : state) {
+        void* handle = MediaInfo_New();
+        MediaInfo_Option(handle, L"Internet", L"no");
+        MediaInfo_Open(handle, names[i++ % names.size()].c_str());
+        for (const wchar_t* text : templates) {
+            MediaInfo_Option(handle, L"Inform", text);
+            benchmark::DoNotOptimize(MediaInfo_Inform(handle, 0));
+        }
+        MediaInfo_Close(handle);
+        MediaInfo_Delete(handle);
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("per file");
+}
+
+void BM_FillListItem(benchmark::State& state) {
+    Corpus& corpus = Files();
+    if (!corpus.ok) {
+        state.SkipWithError("could not make the MP3 files with ffmpeg");
+        return;
+    }
+    SilentQuestions questions;
+    NoClipboard clipboard;
+    MainModel model(questions, clipboard);
+    for (const char* header : {"Filename", "Filesize", "Date Modified", "Filepath", "Artist",
+                               "Title", "Album", "Year", "Genre", "Duration", "Bitrate", "Hertz"}) {
+        model.items.addColumn(header);
+    }
+    model.state.setListType(QStringLiteral("MP3"));
+    for (const QString& path : corpus.paths) {
+        const int row = model.items.addRow(QString());
+        model.items.setCell(row, 3, path);
+    }
+    int row = 0;
+    for (auto _ : state) {
+        FillListItem(model, row % kFiles + 1);
+        ++row;
+    }
+    if (model.items.cell(1, 10) != QStringLiteral("128 kbps")) {
+        state.SkipWithError("the row was not filled as expected");
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("per file");
+}
+
+void BM_ID3ReaderAlone(benchmark::State& state) {
+    Corpus& corpus = Files();
+    if (!corpus.ok) {
+        state.SkipWithError("could not make the MP3 files with ffmpeg");
+        return;
+    }
+    std::size_t i = 0;
+    for (auto _ : state) {
+        ID3Reader reader;
+        reader.setFileName(corpus.paths[static_cast<int>(i++ % kFiles)]);
+        benchmark::DoNotOptimize(reader.Kbits());
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("per file");
+}
+
+}  // namespace
+
+// Both main benchmarks go over the 1,000 files at least three times.
+BENCHMARK(BM_MediaInfoAlone)->Unit(benchmark::kMicrosecond)->MinTime(2.0)->Repetitions(3);
+BENCHMARK(BM_FillListItem)->Unit(benchmark::kMicrosecond)->MinTime(2.0)->Repetitions(3);
+BENCHMARK(BM_ID3ReaderAlone)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
