@@ -1,0 +1,352 @@
+// The whole MP3 join of a long list with the real tools, next to the bare
+// commands: Velmora from StartJoin to "Finished!" (and the close), the same
+// script commands run straight through a shell, a plain cat of the files, and
+// the tool's concat demuxer. Each reports the output's MPEG audio frames next
+// to the sum of the inputs'. The list: 200 files of about 5 MB, once constant
+// and once variable bit rate (VELMORA_BENCH_JOIN_FILES sets another count).
+// Each figure is the best of several runs (VELMORA_BENCH_JOIN_RUNS, 3).
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "app/AppPaths.h"
+#include "join/JoinProgress.h"
+#include "join/JoinRun.h"
+#include "join/JoinScripts.h"
+#include "join/JoinWizardState.h"
+#include "join/StartJoin.h"
+#include "list/ListviewLayout.h"
+#include "list/MainModel.h"
+#include "platform/Clipboard.h"
+#include "platform/Questions.h"
+
+namespace {
+
+constexpr double kTargetBytes = 5.0 * 1024 * 1024;
+
+// Each figure is the best of this many runs (VELMORA_BENCH_JOIN_RUNS), so that
+// other work on the machine weighs as little as possible.
+int runCount() {
+    const int count = qEnvironmentVariableIntValue("VELMORA_BENCH_JOIN_RUNS");
+    return count >= 1 ? count : 3;
+}
+
+int fileCount() {
+    const int count = qEnvironmentVariableIntValue("VELMORA_BENCH_JOIN_FILES");
+    return count >= 2 ? count : 200;
+}
+
+// Answers every question with Yes and the save dialog with the output path.
+class YesQuestions : public Questions {
+public:
+    QString output;
+    int msgBox(const QString&, int, const QString&) override { return Msg::Yes; }
+    void showOpen(CommonDialog& dialog) override { dialog.fileName.clear(); }
+    void showSave(CommonDialog& dialog) override {
+        dialog.fileName = output;
+        dialog.fileTitle = QFileInfo(output).fileName();
+    }
+};
+
+class NoClipboard : public Clipboard {
+public:
+    QString text() const override { return {}; }
+    void setText(const QString&) override {}
+    void clear() override {}
+};
+
+QString run(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    process.waitForFinished(-1);
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+bool ffmpeg(const QStringList& arguments) {
+    QProcess process;
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(QStringLiteral("ffmpeg"),
+                  QStringList{QStringLiteral("-nostdin"), QStringLiteral("-y"),
+                              QStringLiteral("-v"), QStringLiteral("error")} +
+                      arguments);
+    return process.waitForFinished(-1) && process.exitCode() == 0;
+}
+
+long long audioFrames(const QString& path) {
+    return run(QStringLiteral("ffprobe"),
+               {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                QStringLiteral("a:0"), QStringLiteral("-count_packets"),
+                QStringLiteral("-show_entries"), QStringLiteral("stream=nb_read_packets"),
+                QStringLiteral("-of"), QStringLiteral("default=nw=1:nk=1"), path})
+        .trimmed()
+        .toLongLong();
+}
+
+double probedSeconds(const QString& path) {
+    return run(QStringLiteral("ffprobe"),
+               {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
+                QStringLiteral("format=duration"), QStringLiteral("-of"),
+                QStringLiteral("default=nw=1:nk=1"), path})
+        .trimmed()
+        .toDouble();
+}
+
+// One list: a folder of copies of one encoded file, the per-user folder and
+// the install folder with the real tools.
+struct JoinBed {
+    QTemporaryDir dir;
+    QString media, appData, install, output;
+    QStringList files;
+    long long inputFrames = 0;
+    double inputSeconds = 0;
+    qint64 bytes = 0;
+
+    explicit JoinBed(bool vbr) {
+        media = dir.path() + QStringLiteral("/media");
+        appData = dir.path() + QStringLiteral("/appdata");
+        install = dir.path() + QStringLiteral("/install");
+        output = dir.path() + QStringLiteral("/out/joined.mp3");
+        for (const QString& folder :
+             {media, appData, install, dir.path() + QStringLiteral("/out")}) {
+            QDir().mkpath(folder);
+        }
+        const QStringList codec = vbr ? QStringList{QStringLiteral("-q:a"), QStringLiteral("0")}
+                                      : QStringList{QStringLiteral("-b:a"), QStringLiteral("128k")};
+        // A short probe gives the bytes per second; the real file is sized to 5 MB.
+        const QString probe = dir.path() + QStringLiteral("/probe.mp3");
+        const auto encode = [&](const QString& path, double seconds) {
+            return ffmpeg(QStringList{QStringLiteral("-f"), QStringLiteral("lavfi"),
+                                      QStringLiteral("-i"),
+                                      QStringLiteral("anoisesrc=color=pink:amplitude=0.3:"
+                                                     "duration=%1")
+                                          .arg(seconds),
+                                      QStringLiteral("-ac"), QStringLiteral("2"),
+                                      QStringLiteral("-ar"), QStringLiteral("44100"),
+                                      QStringLiteral("-c:a"), QStringLiteral("libmp3lame")} +
+                          codec + QStringList{path});
+        };
+        encode(probe, 20);
+        const double perSecond = QFileInfo(probe).size() / 20.0;
+        const QString first = media + QStringLiteral("/track 001.mp3");
+        encode(first, perSecond > 0 ? kTargetBytes / perSecond : 300);
+        const long long framesEach = audioFrames(first);
+        const double secondsEach = probedSeconds(first);
+        files << first;
+        for (int i = 2; i <= fileCount(); ++i) {
+            const QString copy =
+                media + QStringLiteral("/track %1.mp3").arg(i, 3, 10, QLatin1Char('0'));
+            QFile::copy(first, copy);
+            files << copy;
+        }
+        inputFrames = framesEach * files.size();
+        inputSeconds = secondsEach * files.size();
+        bytes = QFileInfo(first).size() * files.size();
+        for (const auto& [source, name] :
+             {std::pair{QStringLiteral("/usr/bin/vbrfix"), QStringLiteral("MP3.dll")},
+              std::pair{QStringLiteral("/usr/bin/mpgtx"), QStringLiteral("MPEG.dll")},
+              std::pair{QStringLiteral("/usr/bin/ffmpeg"), QStringLiteral("MPEG2.dll")}}) {
+            QFile::copy(source, install + u'/' + name);
+        }
+    }
+
+    void enter() const {
+        SetAppDataFolder(appData);
+        SetInstallFolderOverride(install);
+    }
+
+    void fillModel(MainModel& model) const {
+        model.state.setListType(QStringLiteral("MP3"));
+        ClearColumns(model);
+        AddSharedColumns(model);
+        AddMP3Columns(model);
+        for (const QString& file : files) {
+            const int row = model.items.addRow(QFileInfo(file).fileName());
+            model.items.setCell(row, 3, file);
+        }
+        model.state.setSizeCaption(FormatThousands(bytes / 1024.0) + QStringLiteral(" KB"));
+        model.state.setListStatusText(QStringLiteral("Green"));
+    }
+
+    void clearOutputs() const {
+        QDir(QFileInfo(output).path()).removeRecursively();
+        QDir().mkpath(QFileInfo(output).path());
+    }
+};
+
+JoinBed& bedFor(bool vbr) {
+    static std::unique_ptr<JoinBed> beds[2];
+    auto& bed = beds[vbr ? 1 : 0];
+    if (!bed) {
+        bed = std::make_unique<JoinBed>(vbr);
+    }
+    return *bed;
+}
+
+QMap<QString, double>& seconds() {
+    static QMap<QString, double> map;
+    return map;
+}
+
+void report(benchmark::State& state, const JoinBed& bed, const QString& path, const QString& key,
+            double elapsed) {
+    seconds()[key] = elapsed;
+    state.counters["seconds"] = elapsed;
+    state.counters["output_frames"] = static_cast<double>(audioFrames(path));
+    state.counters["input_frames"] = static_cast<double>(bed.inputFrames);
+    state.counters["output_s"] = probedSeconds(path);
+    state.counters["input_s"] = bed.inputSeconds;
+    state.counters["MB"] = bed.bytes / 1048576.0;
+}
+
+void BM_VelmoraJoin(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    JoinBed& bed = bedFor(vbr);
+    bed.enter();
+    double elapsed = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < runCount(); ++round) {
+            bed.clearOutputs();
+            YesQuestions questions;
+            questions.output = bed.output;
+            NoClipboard clipboard;
+            MainModel model(questions, clipboard);
+            bed.fillModel(model);
+            JoinWizardState wizard;
+            QElapsedTimer timer;
+            timer.start();
+            if (!StartJoin(model)) {
+                state.SkipWithError("the pre-flight refused the join");
+                return;
+            }
+            JoinRun joinRun(model, wizard);
+            joinRun.load(true);
+            while (wizard.operationText() != QStringLiteral("Finished!")) {
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            }
+            joinRun.cancelClicked();  // "&Close": the clean-up of the per-user folder
+            const double taken = timer.nsecsElapsed() / 1e9;
+            elapsed = round == 0 ? taken : std::min(elapsed, taken);
+        }
+    }
+    report(state, bed, bed.output, QStringLiteral("velmora%1").arg(vbr), elapsed);
+}
+
+void BM_ScriptCommandsInShell(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    JoinBed& bed = bedFor(vbr);
+    bed.enter();
+    double elapsed = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < runCount(); ++round) {
+            bed.clearOutputs();
+            YesQuestions questions;
+            NoClipboard clipboard;
+            MainModel model(questions, clipboard);
+            bed.fillModel(model);
+            model.commonDialog.fileName = bed.output;
+            WriteJoinScripts(model);
+            const QString marker = bed.appData + QStringLiteral("/JoinTemp");
+            QElapsedTimer timer;
+            timer.start();
+            QDir().mkpath(marker);
+            run(QStringLiteral("/bin/sh"), {bed.appData + QStringLiteral("/TempFile.bat")});
+            QDir().mkpath(marker);
+            run(QStringLiteral("/bin/sh"), {bed.appData + QStringLiteral("/MP3.bat")});
+            QFile::remove(bed.output + QStringLiteral(".vlr.mp3"));
+            const double taken = timer.nsecsElapsed() / 1e9;
+            elapsed = round == 0 ? taken : std::min(elapsed, taken);
+            for (const char* name : {"TempFile.bat", "MP3.bat", "MP3.exe", "MPEG2.exe"}) {
+                QFile::remove(bed.appData + u'/' + QLatin1String(name));
+            }
+        }
+    }
+    report(state, bed, bed.output, QStringLiteral("shell%1").arg(vbr), elapsed);
+}
+
+void BM_Cat(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    JoinBed& bed = bedFor(vbr);
+    double elapsed = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < runCount(); ++round) {
+            bed.clearOutputs();
+            QElapsedTimer timer;
+            timer.start();
+            QProcess cat;
+            cat.setStandardOutputFile(bed.output);
+            cat.start(QStringLiteral("cat"), bed.files);
+            cat.waitForFinished(-1);
+            const double taken = timer.nsecsElapsed() / 1e9;
+            elapsed = round == 0 ? taken : std::min(elapsed, taken);
+        }
+    }
+    report(state, bed, bed.output, QStringLiteral("cat%1").arg(vbr), elapsed);
+}
+
+void BM_FfmpegConcat(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    JoinBed& bed = bedFor(vbr);
+    const QString list = bed.dir.path() + QStringLiteral("/concat.txt");
+    QFile file(list);
+    if (file.open(QIODevice::WriteOnly)) {
+        for (const QString& path : bed.files) {
+            QString quoted = path;
+            quoted.replace(u'\'', QStringLiteral("'\\''"));
+            file.write((QStringLiteral("file '") + quoted + QStringLiteral("'\n")).toUtf8());
+        }
+        file.close();
+    }
+    double elapsed = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < runCount(); ++round) {
+            bed.clearOutputs();
+            QElapsedTimer timer;
+            timer.start();
+            ffmpeg({QStringLiteral("-f"), QStringLiteral("concat"), QStringLiteral("-safe"),
+                    QStringLiteral("0"), QStringLiteral("-i"), list, QStringLiteral("-c"),
+                    QStringLiteral("copy"), bed.output});
+            const double taken = timer.nsecsElapsed() / 1e9;
+            elapsed = round == 0 ? taken : std::min(elapsed, taken);
+        }
+    }
+    report(state, bed, bed.output, QStringLiteral("concat%1").arg(vbr), elapsed);
+}
+
+// Velmora's time over the bare script commands, for each list.
+void BM_VelmoraOverShell(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    for (auto _ : state) {
+    }
+    const double velmora = seconds().value(QStringLiteral("velmora%1").arg(vbr));
+    const double shell = seconds().value(QStringLiteral("shell%1").arg(vbr));
+    state.counters["ratio"] = shell > 0 ? velmora / shell : 0;
+    std::printf("%s: Velmora %.2f s, script commands in a shell %.2f s, ratio %.3f\n",
+                vbr ? "VBR" : "CBR", velmora, shell, shell > 0 ? velmora / shell : 0.0);
+}
+
+}  // namespace
+
+// Arg 0: constant bit rate; 1: variable bit rate.
+BENCHMARK(BM_VelmoraJoin)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
+BENCHMARK(BM_ScriptCommandsInShell)
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(1)
+    ->Unit(benchmark::kSecond)
+    ->UseRealTime();
+BENCHMARK(BM_Cat)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
+BENCHMARK(BM_FfmpegConcat)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
+BENCHMARK(BM_VelmoraOverShell)->Arg(0)->Arg(1)->Iterations(1);
