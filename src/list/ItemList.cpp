@@ -137,14 +137,31 @@ void ItemList::reorder(const QList<int>& order) {
     if (order.size() != rows_.size()) {
         return;
     }
-    emit layoutAboutToBeChanged();
+    // Every old position must stand in the order exactly once.
+    QList<int> newRowOf(order.size(), -1);
+    for (int i = 0; i < order.size(); ++i) {
+        const int old = order.at(i);
+        if (old < 1 || old > count() || newRowOf.at(old - 1) != -1) {
+            return;
+        }
+        newRowOf[old - 1] = i;
+    }
+    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     QList<QStringList> next;
     next.reserve(order.size());
     for (int old : order) {
         next.append(std::move(rows_[old - 1]));
     }
     rows_ = std::move(next);
-    emit layoutChanged();
+    // The view's selection and current row go with their rows.
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& index : before) {
+        after.append(this->index(newRowOf.at(index.row()), index.column()));
+    }
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
 int ItemList::rowCount(const QModelIndex& parent) const {

@@ -472,3 +472,24 @@ TEST(ListFile, HundredThousandRows_OpenSaveReopenByteIdentical) {
     EXPECT_GT(a.size(), 10'000'000);
     EXPECT_TRUE(a == readAll(second));
 }
+
+TEST(OpenList, FolderChosenAsListFile_ShowsTheInvalidFileMessage) {
+    ListTestModel t;
+    t.addRow(kRowA);
+    QDir(t.appData.path()).mkdir("folder.vlr");
+    t.questions.chooseFile(t.appData.filePath("folder.vlr"));
+    OpenList(t.model);
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    EXPECT_EQ(t.model.items.count(), 1);
+}
+
+TEST(OpenList, NotUtf8_IsReadByteForCharacter) {
+    ListTestModel t;
+    const QString path = t.appData.filePath("latin1.vlr");
+    writeBytes(path, "VLR List v1.0\r\n<MP3>\r\ncaf\xe9.mp3|1 KB\r\n");
+    t.questions.chooseFile(path);
+    OpenList(t.model);
+    ASSERT_EQ(t.model.items.count(), 1);
+    EXPECT_EQ(t.model.items.cell(1, 0), QString::fromUtf8("caf\xc3\xa9.mp3"));
+}
