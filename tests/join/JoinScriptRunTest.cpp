@@ -175,8 +175,9 @@ protected:
         EXPECT_TRUE(entries(work).isEmpty()) << entries(work).join(", ").toStdString();
     }
 
-    // A join of MP3 files made with the given options, through both scripts.
-    void joinMp3s(const QList<Mp3Options>& files, const QString& outputName) {
+    // A join of MP3 files made with the given options, through both scripts;
+    // the files take the hostile names from firstName on.
+    void joinMp3s(const QList<Mp3Options>& files, int firstName, const QString& outputName) {
         ASSERT_TRUE(HaveFfmpeg());
         ASSERT_TRUE(putRealTools());
         QStringList paths;
@@ -184,7 +185,8 @@ protected:
             Mp3Options options = files[i];
             options.seconds = 3.0 + i * 1.5;
             options.frequencyHz = 300 + 110 * i;
-            const QString path = MakeMp3(media, kHostileNames[i % kHostileNames.size()], options);
+            const QString path =
+                MakeMp3(media, kHostileNames[(firstName + i) % kHostileNames.size()], options);
             ASSERT_FALSE(path.isEmpty()) << LastMediaMakerError().toStdString();
             paths << path;
             inputSeconds += ffprobeSeconds(path);
@@ -303,7 +305,8 @@ TEST_F(JoinScriptRunTest, ScriptDeletedWhileRunning_StopsBeforeTheNextCommand) {
 TEST_F(JoinScriptRunTest, Mp3Cbr_FixGivesAHeaderWithTheWholeLength) {
     Mp3Options options;
     options.bitrateKbps = 128;
-    joinMp3s({options, options, options}, QString::fromUtf8("CBR 'joined' $(touch pwned7) ü.mp3"));
+    joinMp3s({options, options, options}, 3,
+             QString::fromUtf8("CBR 'joined' $(touch pwned7) ü.mp3"));
     const double seconds = ffprobeSeconds(output);
     const double ms = mediaInfoMs(output);
     EXPECT_NEAR(seconds, inputSeconds, inputSeconds * 0.01);
@@ -319,7 +322,7 @@ TEST_F(JoinScriptRunTest, Mp3Cbr_FixGivesAHeaderWithTheWholeLength) {
 TEST_F(JoinScriptRunTest, Mp3Vbr_FixGivesAHeaderWithTheWholeLengthAndExactFrames) {
     Mp3Options options;
     options.vbrQuality = 4;
-    joinMp3s({options, options, options}, "VBR joined.mp3");
+    joinMp3s({options, options, options}, 7, "VBR joined\n.mp3");
     const double seconds = ffprobeSeconds(output);
     const double ms = mediaInfoMs(output);
     EXPECT_NEAR(seconds, inputSeconds, inputSeconds * 0.01);
@@ -336,7 +339,7 @@ TEST_F(JoinScriptRunTest, Mp3CbrOfTwoBitRates_FixGivesAHeaderWithTheWholeLength)
     low.bitrateKbps = 128;
     Mp3Options high;
     high.bitrateKbps = 192;
-    joinMp3s({low, high}, "Mixed joined.mp3");
+    joinMp3s({low, high}, 10, "-Mixed joined.mp3");
     const double seconds = ffprobeSeconds(output);
     const double ms = mediaInfoMs(output);
     EXPECT_NEAR(seconds, inputSeconds, inputSeconds * 0.01);
