@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QStringList>
+#include <QTableView>
+
+// The list view of the main window: a report-style table with full-row, single
+// selection. It reports the three user events the window reacts to: a double
+// click anywhere on it, a right press (on the press, not the release), and
+// files dropped from a file manager, in the order of the dropped data.
+class ListViewControl : public QTableView {
+    Q_OBJECT
+public:
+    explicit ListViewControl(QWidget* parent = nullptr);
+
+    // Sets every column to the width of its header (twips), Filepath included
+    // with its width 0.
+    void applyColumnWidths();
+
+    // The local paths of a drop, in order (text/uri-list).
+    static QStringList droppedPaths(const QMimeData* data);
+
+signals:
+    void doubleClickedAnywhere();
+    void rightPressed(const QPoint& globalPosition);
+    void filesDropped(const QStringList& paths);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+};
