@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -492,4 +493,52 @@ TEST_F(ListFixture, SharedSamples_FillTheirRows) {
     row = addAndFill(folder + "/filetype-fixture.mp3");
     EXPECT_EQ(cell(row, 9), "0 seconds");
     EXPECT_EQ(cell(row, 11), "44100 (Stereo)");
+}
+
+// ---- The cells as a function of the file ----
+
+TEST(ItemCellsOfFile, Mp3ListHas12Cells_MpegList7_PathCellNeverWritten) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("f.mp3");
+    ASSERT_TRUE(bytefiles::Write(path, FrameHeader() + Filler(2000)));
+    const ItemCellTexts mp3 = ItemCells(path, "MP3");
+    ASSERT_EQ(mp3.size(), 12);
+    EXPECT_FALSE(mp3[3].has_value());
+    EXPECT_EQ(mp3[0].value_or("none"), "f.mp3");
+    EXPECT_EQ(mp3[1].value_or("none"), "2 KB");
+    for (int tagCell = 4; tagCell <= 8; ++tagCell) {
+        EXPECT_FALSE(mp3[tagCell].has_value()) << "no tag, cell " << tagCell;
+    }
+    const ItemCellTexts mpeg = ItemCells(path, "MPEG");
+    ASSERT_EQ(mpeg.size(), 7);
+    EXPECT_FALSE(mpeg[3].has_value());
+    EXPECT_EQ(mpeg[5].value_or("none"), "0x0");
+}
+
+TEST(ItemCellsOfFile, MissingFile_HasNameAndOneKBButNoDate) {
+    const ItemCellTexts cells = ItemCells("/nonexistent/folder/song.mp3", "MP3");
+    EXPECT_EQ(cells[0].value_or("none"), "song.mp3");
+    EXPECT_EQ(cells[1].value_or("none"), "1 KB");
+    EXPECT_FALSE(cells[2].has_value());
+    EXPECT_FALSE(cells[9].has_value());
+    EXPECT_EQ(cells[10].value_or("none"), " kbps");
+    EXPECT_EQ(cells[11].value_or("none"), "");
+}
+
+TEST_F(ListFixture, FillingRowsAgain_LeavesTheirPathsAndNoFileOpen) {
+    useType("MP3");
+    const QString tagged =
+        write("t.mp3", FrameHeader() + Filler(3000) + Tag("T", "A", "L", "2020", "C", 8));
+    const QString plain = write("p.mp3", FrameHeader() + Filler(3000));
+    const auto openFiles = [] { return QDir("/proc/self/fd").entryList(QDir::Files).size(); };
+    addAndFill(tagged);
+    addAndFill(plain);
+    const qsizetype before = openFiles();
+    for (int i = 0; i < 300; ++i) {
+        FillListItem(model, 1 + i % 2);
+    }
+    EXPECT_EQ(openFiles(), before);
+    EXPECT_EQ(cell(1, 3), tagged);
+    EXPECT_EQ(cell(2, 3), plain);
+    EXPECT_EQ(cell(1, 8), "Jazz");
 }
