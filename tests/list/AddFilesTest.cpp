@@ -232,6 +232,20 @@ TEST(FolderFileNames, MpegPatterns_AllSixExtensions) {
 TEST(FolderFilePath, RootFolder_GivesTwoSeparatorsAndTheNameStillReads) {
     EXPECT_EQ(FolderFilePath("/", "x.mp3"), "//x.mp3");
     EXPECT_EQ(FolderFilePath("/music", "x.mp3"), "/music/x.mp3");
+    ListTestModel t;
+    EventTurns turns;
+    AddDroppedFiles(t.model, {FolderFilePath("/", "x.mp3")});
+    EXPECT_EQ(t.model.items.cell(1, 3), "//x.mp3");
+    EXPECT_EQ(t.model.items.cell(1, 0), "x.mp3");
+}
+
+TEST(AddFiles, SeveralFiles_RememberTheTextUpToTheFirstCharacterZero) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    EventTurns turns;
+    t.questions.chooseFiles(dir.path(), {"a.mp3", "b.mp3"});
+    AddFiles(t.model);
+    EXPECT_EQ(ReadSetting("Commondialog", "AddFiles"), dir.path());
 }
 
 TEST(AddFolderFiles, AddsMatchingFilesSortedWithProgress) {

@@ -153,3 +153,12 @@ TEST(CopyList, QuotesInCells_AreWrittenAsTheyStand) {
         "\"\",\"1999\",\"Rock\",\"61 seconds\",\"128 kbps\",\"44100 (Stereo)\"\r\n";
     EXPECT_EQ(t.clipboard.text(), line + line);
 }
+
+TEST(PasteItem, SeparatorInATagCell_DoesNotDisturbThePath) {
+    ListTestModel t;
+    t.addRow(kRow);  // its Title holds a "|"
+    CopyItem(t.model, 1, 0);
+    PasteItem(t.model);
+    ASSERT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.items.cell(2, 3), "/music/a.mp3");
+}
