@@ -1,0 +1,105 @@
+// The list routines on real media files: rows filled from the files, graded
+// and summed from what the files give.
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "ListTestModel.h"
+#include "list/AddFilesModule.h"
+#include "list/ClipboardModule.h"
+#include "list/ListTotals.h"
+#include "platform/EventTurn.h"
+#include "support/TestEnvironment.h"
+
+namespace {
+
+// Copies samples into a temporary folder; the shared folder stays untouched.
+QString copySample(const QTemporaryDir& dir, const QString& name, const QString& as = {}) {
+    const QString target = dir.filePath(as.isEmpty() ? name : as);
+    QFile::copy(SharedTestDataFolder() + "/" + name, target);
+    return target;
+}
+
+class QuietTurns {
+public:
+    QuietTurns() {
+        previous_ = setEventTurnHook([] {});
+    }
+    ~QuietTurns() { setEventTurnHook(previous_); }
+
+private:
+    std::function<void()> previous_;
+};
+
+}  // namespace
+
+TEST(RealMediaList, TwoStereo44100Mp3s_AreGreenWithTheirSecondsSummed) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    copySample(dir, "filetype-fixture.mp3");  // 0.81 s
+    copySample(dir, "mimetype-mp3.mp3");      // 27.7 s
+    QuietTurns turns;
+    AddFolderFiles(t.model, dir.path());
+    ASSERT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.items.cell(1, 0), "filetype-fixture.mp3");
+    EXPECT_EQ(t.model.items.cell(1, 11), "44100 (Stereo)");
+    EXPECT_EQ(t.model.items.cell(2, 11), "44100 (Stereo)");
+    EXPECT_EQ(t.model.items.cell(1, 9), "0 seconds");
+    EXPECT_EQ(t.model.items.cell(2, 9), "27 seconds");
+    EXPECT_EQ(t.model.state.durationCaption(), "00:00:27");
+    EXPECT_EQ(t.model.state.listStatus(), "Green");
+}
+
+TEST(RealMediaList, Mp3OfAnotherRate_MakesTheListOrange) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    QuietTurns turns;
+    AddDroppedFiles(t.model, {copySample(dir, "mimetype-mp3.mp3"),
+                              copySample(dir, "mimetype-mp3.v2.notag.mp3")});
+    ASSERT_EQ(t.model.items.count(), 2);
+    // A mono file reads Stereo; only the rate differs.
+    EXPECT_EQ(t.model.items.cell(2, 11), "22050 (Stereo)");
+    EXPECT_EQ(t.model.state.listStatus(), "Orange");
+}
+
+TEST(RealMediaList, MpegFilesOfDifferentPictures_AreRed) {
+    ListTestModel t("MPEG");
+    QTemporaryDir dir;
+    copySample(dir, "filetype-fixture.ps.mpg", "a.mpg");
+    copySample(dir, "mimetype-mpeg.mpeg", "b.mpeg");
+    QuietTurns turns;
+    AddFolderFiles(t.model, dir.path());
+    ASSERT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.items.cell(2, 5), "320x240");
+    EXPECT_NE(t.model.items.cell(1, 5), t.model.items.cell(2, 5));
+    EXPECT_EQ(t.model.state.listStatus(), "Red");
+}
+
+TEST(RealMediaList, MoveRefillsTheRowsWithoutNewTotals) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    QuietTurns turns;
+    AddDroppedFiles(t.model, {copySample(dir, "mimetype-mp3.mp3"),
+                              copySample(dir, "mimetype-mp3.v2.notag.mp3")});
+    ASSERT_EQ(t.model.state.listStatus(), "Orange");
+    MoveItemUp(t.model, 2);
+    EXPECT_EQ(t.model.items.cell(1, 0), "mimetype-mp3.v2.notag.mp3");
+    EXPECT_EQ(t.model.items.cell(1, 11), "22050 (Stereo)");
+    EXPECT_EQ(t.model.items.cell(2, 11), "44100 (Stereo)");
+    EXPECT_EQ(t.model.items.cell(2, 9), "27 seconds");
+    EXPECT_EQ(t.model.state.listStatus(), "Orange");
+}
+
+TEST(RealMediaList, PastedEntry_IsFilledForTheListItIsPastedInto) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    const QString path = copySample(dir, "mimetype-mpeg.mpeg");
+    t.clipboard.setText("VLR:x|1 KB|d|" + path + "|a|b|c|d|e|f|g|h");
+    NewItemList(t.model, "MPEG");
+    PasteItem(t.model);
+    ASSERT_EQ(t.model.items.count(), 1);
+    EXPECT_EQ(t.model.items.cell(1, 0), "mimetype-mpeg.mpeg");
+    EXPECT_EQ(t.model.items.cell(1, 5), "320x240");
+    EXPECT_EQ(t.model.items.cell(1, 6), "0 seconds");
+}
