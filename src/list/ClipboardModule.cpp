@@ -1,5 +1,7 @@
 #include "list/ClipboardModule.h"
 
+#include <algorithm>
+
 #include "list/FillListItem.h"
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"

@@ -5,6 +5,7 @@
 #include <QSaveFile>
 #include <QSet>
 #include <QStringDecoder>
+#include <algorithm>
 
 #include "app/IniFile.h"
 #include "list/DialogFolder.h"
