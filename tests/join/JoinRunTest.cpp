@@ -288,3 +288,65 @@ TEST_F(JoinRunTest, DebugLog_RecordsOfARun_InOrder) {
     // what WrittenSizeLabel said at the end.
     EXPECT_EQ(lines[4], QStringLiteral("Operation2 Size=0 KB"));
 }
+
+TEST_F(JoinRunTest, Load_LeftoverMarker_IsUsedAsItStands) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    QDir().mkpath(bed.marker());
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    EXPECT_TRUE(QFileInfo(bed.marker()).isDir());
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_FALSE(QFileInfo::exists(bed.marker()));
+}
+
+TEST_F(JoinRunTest, Mpeg2VOperation2_SizeSourceStandsAside) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
+    bed.model.state.setSizeCaption(QStringLiteral("5 KB"));
+    writeJoinScript(temp());
+    // The fix script writes its output and then waits for a second go.
+    const QString go2 = bed.dir.path() + QStringLiteral("/go2");
+    bed.writeScript(QStringLiteral("MPEG2.bat"),
+                    QStringLiteral("head -c 4096 %1 > %2\nwhile [ ! -f %3 ]; do sleep 0.01; done\n")
+                            .arg(JoinRunTestBed::quoted(temp()), JoinRunTestBed::quoted(output),
+                                 JoinRunTestBed::quoted(go2)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return QFileInfo(output).size() == 4096; }));
+    for (int i = 0; i < 5; ++i) {
+        run.tick();
+    }
+    // The file is there, but only the tool's status lines move the figures.
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("0 KB"));
+    EXPECT_EQ(bed.state.progressValue(), 0.0F);
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+    JoinRunTestBed::writeFile(go2, "go");
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("4 KB"));
+}
+
+TEST_F(JoinRunTest, Mp3Operation2_WatchesOutputGrowAgainstListSize) {
+    bed.makeMp3List({a, b});
+    bed.model.state.setSizeCaption(QStringLiteral("8 KB"));
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    const QString go2 = bed.dir.path() + QStringLiteral("/go2");
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("head -c 4096 %1 > %2\nwhile [ ! -f %3 ]; do sleep 0.01; done\n")
+                            .arg(JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(output),
+                                 JoinRunTestBed::quoted(go2)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2() && QFileInfo(output).size() == 4096; }));
+    run.tick();
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("4 KB"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (50%)"));
+    JoinRunTestBed::writeFile(go2, "go");
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+}
