@@ -1,0 +1,213 @@
+#include "ui/AddDirectoryBox.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QStorageInfo>
+#include <QTreeView>
+#include <algorithm>
+
+#include "app/IniFile.h"
+#include "list/AddFilesModule.h"
+#include "list/MainModel.h"
+#include "platform/FileHelpers.h"
+
+namespace {
+QRect tw(int left, int top, int width, int height) {
+    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
+                 qRound(height / 15.0));
+}
+
+constexpr int kInnerWidth = 4680;
+constexpr int kInnerHeight = 4305;
+
+// A folder path in the form DirBox keeps: clean, no trailing separator.
+QString normalFolder(const QString& path) {
+    QString clean = QDir::cleanPath(path);
+    if (clean.size() > 1 && clean.endsWith(u'/')) {
+        clean.chop(1);
+    }
+    return clean;
+}
+
+bool isUnder(const QString& path, const QString& root) {
+    if (root == QLatin1String("/")) {
+        return path.startsWith(u'/');
+    }
+    return path == root || path.startsWith(root + u'/');
+}
+}  // namespace
+
+AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
+    : QDialog(parent), model_(model) {
+    setObjectName(QStringLiteral("AddDirectoryBox"));
+    setWindowTitle(QStringLiteral("Add Directory"));
+    setModal(true);
+    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+
+    lblInfo_ = new QLabel(QStringLiteral("Please, select a drive and folder..."), this);
+    lblInfo_->setObjectName(QStringLiteral("lblInfo"));
+    lblInfo_->setGeometry(tw(120, 120, 4440, 255));
+
+    driveBox_ = new QComboBox(this);
+    driveBox_->setObjectName(QStringLiteral("DriveBox"));
+    driveBox_->setGeometry(tw(120, 420, 4440, 315));
+    QStringList roots;
+    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+        if (volume.isValid() && volume.isReady() && IsDirectoryPath(volume.rootPath())) {
+            roots.append(volume.rootPath());
+        }
+    }
+    if (!roots.contains(QStringLiteral("/"))) {
+        roots.append(QStringLiteral("/"));
+    }
+    std::sort(roots.begin(), roots.end());
+    roots.removeDuplicates();
+    for (const QString& root : roots) {
+        driveBox_->addItem(root, root);
+    }
+    driveBox_->setCurrentIndex(driveBox_->findData(QStringLiteral("/")));
+
+    folders_ = new QFileSystemModel(this);
+    folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot);
+    folders_->setReadOnly(true);
+    dirBox_ = new QTreeView(this);
+    dirBox_->setObjectName(QStringLiteral("DirBox"));
+    dirBox_->setGeometry(tw(120, 840, 4440, 2400));
+    dirBox_->setModel(folders_);
+    dirBox_->setHeaderHidden(true);
+    for (int column = 1; column < folders_->columnCount(); ++column) {
+        dirBox_->hideColumn(column);
+    }
+    connect(dirBox_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) {
+                if (syncingTree_ || !current.isValid()) {
+                    return;
+                }
+                setDirPath(folders_->filePath(current));
+            });
+
+    chkAddSubFolders_ = new QCheckBox(QStringLiteral("Also add subfolders to my list"), this);
+    chkAddSubFolders_->setObjectName(QStringLiteral("chkAddSubFolders"));
+    chkAddSubFolders_->setGeometry(tw(120, 3360, 4440, 300));
+
+    cmdOk_ = new QPushButton(QStringLiteral("&Ok"), this);
+    cmdOk_->setObjectName(QStringLiteral("cmdOk"));
+    cmdOk_->setGeometry(tw(2520, 3780, 975, 375));
+    cmdOk_->setDefault(true);
+    connect(cmdOk_, &QPushButton::clicked, this, &AddDirectoryBox::confirm);
+
+    cmdCancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
+    cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
+    cmdCancel_->setGeometry(tw(3600, 3780, 975, 375));
+    cmdCancel_->setAutoDefault(false);
+    connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+
+    setTabOrder(driveBox_, dirBox_);
+    setTabOrder(dirBox_, chkAddSubFolders_);
+    setTabOrder(chkAddSubFolders_, cmdOk_);
+    setTabOrder(cmdOk_, cmdCancel_);
+
+    connect(driveBox_, &QComboBox::currentIndexChanged, this, &AddDirectoryBox::onDriveChanged);
+
+    // The load step: the remembered folder, or the root where none is set;
+    // then the drive that holds it (whose change step shows that folder).
+    const QString remembered =
+        ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"));
+    if (remembered.isEmpty()) {
+        setDirPath(QStringLiteral("/"));
+    } else {
+        setDirPath(remembered);
+    }
+    setDrive(driveOf(path_));
+    onDriveChanged(driveBox_->currentIndex());
+    driveBox_->setFocus();
+}
+
+void AddDirectoryBox::setDirPath(const QString& path) {
+    if (!IsDirectoryPath(path)) {
+        return;
+    }
+    path_ = normalFolder(path);
+    currentFolderOfDrive_.insert(driveOf(path_), path_);
+    showPathInTree();
+}
+
+QString AddDirectoryBox::drive() const {
+    return driveBox_->currentData().toString();
+}
+
+void AddDirectoryBox::setDrive(const QString& rootPath) {
+    const int index = driveBox_->findData(rootPath);
+    if (index >= 0) {
+        driveBox_->setCurrentIndex(index);
+    }
+}
+
+QString AddDirectoryBox::driveOf(const QString& path) const {
+    QString best = QStringLiteral("/");
+    for (int i = 0; i < driveBox_->count(); ++i) {
+        const QString root = driveBox_->itemData(i).toString();
+        if (isUnder(path, root) && root.size() > best.size()) {
+            best = root;
+        }
+    }
+    return best;
+}
+
+void AddDirectoryBox::onDriveChanged(int index) {
+    if (index < 0) {
+        return;
+    }
+    const QString root = driveBox_->itemData(index).toString();
+    const QString current = currentFolderOfDrive_.value(root, root);
+    setDirPath(IsDirectoryPath(current) ? current : root);
+}
+
+void AddDirectoryBox::showPathInTree() {
+    if (!dirBox_) {
+        return;
+    }
+    syncingTree_ = true;
+    const QString root = driveOf(path_);
+    folders_->setRootPath(root);
+    dirBox_->setRootIndex(folders_->index(root));
+    const QModelIndex index = folders_->index(path_);
+    if (index.isValid() && path_ != root) {
+        dirBox_->setCurrentIndex(index);
+        dirBox_->scrollTo(index);
+    } else {
+        dirBox_->clearSelection();
+    }
+    syncingTree_ = false;
+}
+
+void AddDirectoryBox::confirm() {
+    driveBox_->setEnabled(false);
+    dirBox_->setEnabled(false);
+    chkAddSubFolders_->setEnabled(false);
+    cmdOk_->setEnabled(false);
+    cmdCancel_->setEnabled(false);
+
+    QString path = path_;
+    if (chkAddSubFolders_->isChecked()) {
+        AddFolderTree(model_, path);
+    } else {
+        AddFolderFiles(model_, path);
+    }
+    WriteSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"), path_);
+
+    cmdCancel_->setEnabled(true);
+    accept();
+}
+
+void AddDirectoryBox::done(int result) {
+    if (!cmdCancel_->isEnabled()) {
+        return;
+    }
+    QDialog::done(result);
+}

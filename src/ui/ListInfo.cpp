@@ -1,0 +1,66 @@
+#include "ui/ListInfo.h"
+
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTreeWidget>
+
+#include "list/MainModel.h"
+
+namespace {
+QRect tw(int left, int top, int width, int height) {
+    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
+                 qRound(height / 15.0));
+}
+
+constexpr int kInnerWidth = 4440;
+constexpr int kInnerHeight = 3735;
+}  // namespace
+
+ListInfo::ListInfo(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
+    setObjectName(QStringLiteral("ListInfo"));
+    setWindowTitle(QStringLiteral("List Info"));
+    setModal(true);
+    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+
+    listView_ = new QTreeWidget(this);
+    listView_->setObjectName(QStringLiteral("ListView"));
+    listView_->setGeometry(tw(120, 120, 4200, 2985));
+    listView_->setRootIsDecorated(false);
+    listView_->setColumnCount(2);
+    listView_->setHeaderLabels({QStringLiteral("Item"), QStringLiteral("Value")});
+    listView_->header()->setStretchLastSection(false);
+    listView_->setColumnWidth(0, qRound(2010 / 15.0));
+    listView_->setColumnWidth(1, qRound(2000 / 15.0));
+    listView_->setSelectionMode(QAbstractItemView::SingleSelection);
+
+    // Everything is worked out once, now; the window doesn't follow later changes.
+    rows_ = ListInfoRows(model_);
+    for (const ListInfoRow& row : rows_) {
+        listView_->addTopLevelItem(new QTreeWidgetItem(QStringList{row.item, row.value}));
+    }
+
+    auto* copyButton = new QPushButton(QStringLiteral("C&opy"), this);
+    copyButton->setObjectName(QStringLiteral("CopyButton"));
+    copyButton->setAutoDefault(false);
+    copyButton->setGeometry(tw(2145, 3240, 975, 375));
+    connect(copyButton, &QPushButton::clicked, this, &ListInfo::Copy);
+
+    auto* closeButton = new QPushButton(QStringLiteral("&Close"), this);
+    closeButton->setObjectName(QStringLiteral("CloseButton"));
+    closeButton->setDefault(true);
+    closeButton->setGeometry(tw(3345, 3240, 975, 375));
+    connect(closeButton, &QPushButton::clicked, this, &QDialog::reject);
+
+    setTabOrder(listView_, copyButton);
+    setTabOrder(copyButton, closeButton);
+}
+
+void ListInfo::Copy() {
+    // The table as it stands is what is copied.
+    QList<ListInfoRow> shown;
+    for (int i = 0; i < listView_->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = listView_->topLevelItem(i);
+        shown.append(ListInfoRow{item->text(0), item->text(1)});
+    }
+    CopyListInfo(model_.clipboard, shown);
+}

@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTreeView>
+
+#include "app/AppPaths.h"
+#include "app/IniFile.h"
+#include "list/ListFunctions.h"
+#include "list/MainModel.h"
+#include "platform/EventTurn.h"
+#include "support/MemoryClipboard.h"
+#include "support/ScriptedQuestions.h"
+#include "support/TestEnvironment.h"
+#include "ui/AddDirectoryBox.h"
+
+namespace {
+
+class AddDirectoryBoxTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(appData.isValid());
+        ASSERT_TRUE(media.isValid());
+        SetAppDataFolder(appData.path());
+        NewItemList(model, QStringLiteral("MP3"));
+    }
+    void TearDown() override {
+        setEventTurnHook({});
+        SetAppDataFolder(QString());
+    }
+
+    // Copies a sample MP3 into the media folder under a new name.
+    void putSample(const QString& relativePath) {
+        const QString target = media.filePath(relativePath);
+        QDir().mkpath(QFileInfo(target).absolutePath());
+        ASSERT_TRUE(QFile::copy(SharedTestDataFolder() + "/mimetype-mp3.v2.notag.mp3", target));
+    }
+
+    QTemporaryDir appData;
+    QTemporaryDir media;
+    ScriptedQuestions questions;
+    MemoryClipboard clipboard;
+    MainModel model{questions, clipboard};
+};
+
+TEST_F(AddDirectoryBoxTest, Controls_HaveTheirNamesCaptionsAndTabOrder) {
+    AddDirectoryBox box(model);
+    EXPECT_EQ(box.windowTitle(), "Add Directory");
+    EXPECT_TRUE(box.isModal());
+    EXPECT_EQ(box.findChild<QLabel*>("lblInfo")->text(), "Please, select a drive and folder...");
+    auto* drives = box.findChild<QComboBox*>("DriveBox");
+    ASSERT_NE(drives, nullptr);
+    EXPECT_GE(drives->count(), 1);
+    EXPECT_NE(drives->findData(QStringLiteral("/")), -1);
+    ASSERT_NE(box.findChild<QTreeView*>("DirBox"), nullptr);
+    EXPECT_EQ(box.findChild<QCheckBox*>("chkAddSubFolders")->text(),
+              "Also add subfolders to my list");
+    EXPECT_FALSE(box.findChild<QCheckBox*>("chkAddSubFolders")->isChecked());
+    EXPECT_EQ(box.findChild<QPushButton*>("cmdOk")->text(), "&Ok");
+    EXPECT_EQ(box.findChild<QPushButton*>("cmdCancel")->text(), "&Cancel");
+    for (const char* name :
+         {"lblInfo", "DriveBox", "DirBox", "chkAddSubFolders", "cmdOk", "cmdCancel"}) {
+        QWidget* w = box.findChild<QWidget*>(name);
+        EXPECT_TRUE(box.rect().contains(w->geometry())) << name;
+    }
+    QStringList order;
+    QWidget* first = drives;
+    QWidget* w = first;
+    do {
+        if ((w->focusPolicy() & Qt::TabFocus) && !w->objectName().isEmpty()) {
+            order.append(w->objectName());
+        }
+        w = w->nextInFocusChain();
+    } while (w != first);
+    EXPECT_EQ(order, (QStringList{"DriveBox", "DirBox", "chkAddSubFolders", "cmdOk", "cmdCancel"}));
+}
+
+TEST_F(AddDirectoryBoxTest, EmptySetting_StartsAtTheRoot) {
+    AddDirectoryBox box(model);
+    EXPECT_EQ(box.dirPath(), "/");
+    EXPECT_EQ(box.drive(), "/");
+}
+
+TEST_F(AddDirectoryBoxTest, RememberedFolder_IsShownOnItsDrive) {
+    WriteSetting("Commondialog", "AddFiles", media.path());
+    AddDirectoryBox box(model);
+    EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.path()));
+    EXPECT_EQ(box.drive(), box.driveOf(media.path()));
+}
+
+TEST_F(AddDirectoryBoxTest, RememberedFolderGone_LeavesTheRoot) {
+    WriteSetting("Commondialog", "AddFiles", media.filePath("no-such-folder"));
+    AddDirectoryBox box(model);
+    EXPECT_EQ(box.dirPath(), "/");
+}
+
+TEST_F(AddDirectoryBoxTest, Ok_AddsTheFolderFilesAndRemembersTheFolder) {
+    putSample("a.mp3");
+    putSample("b.mp3");
+    putSample("sub/c.mp3");
+    AddDirectoryBox box(model);
+    box.setDirPath(media.path());
+    box.show();
+    box.findChild<QPushButton*>("cmdOk")->click();
+    EXPECT_FALSE(box.isVisible());
+    ASSERT_EQ(model.items.count(), 2);
+    EXPECT_EQ(model.items.cell(1, 0), "a.mp3");
+    EXPECT_EQ(model.items.cell(2, 0), "b.mp3");
+    EXPECT_EQ(ReadSetting("Commondialog", "AddFiles"), QDir::cleanPath(media.path()));
+    EXPECT_EQ(model.state.countCaption(), "2");
+}
+
+TEST_F(AddDirectoryBoxTest, OkWithSubfolders_AddsTheTree) {
+    putSample("a.mp3");
+    putSample("sub/c.mp3");
+    putSample("sub/deeper/d.mp3");
+    AddDirectoryBox box(model);
+    box.setDirPath(media.path());
+    box.findChild<QCheckBox*>("chkAddSubFolders")->setChecked(true);
+    box.confirm();
+    ASSERT_EQ(model.items.count(), 3);
+    EXPECT_EQ(model.items.cell(1, 0), "a.mp3");
+    EXPECT_EQ(model.items.cell(2, 0), "c.mp3");
+    EXPECT_EQ(model.items.cell(3, 0), "d.mp3");
+}
+
+TEST_F(AddDirectoryBoxTest, FolderWithoutFiles_AddsNothingButIsRemembered) {
+    WriteSetting("Commondialog", "AddFiles", "/");
+    AddDirectoryBox box(model);
+    box.setDirPath(media.path());
+    box.confirm();
+    EXPECT_EQ(model.items.count(), 0);
+    EXPECT_EQ(ReadSetting("Commondialog", "AddFiles"), QDir::cleanPath(media.path()));
+}
+
+TEST_F(AddDirectoryBoxTest, DuringTheAdding_ControlsAreDisabledAndCloseIsRefused) {
+    putSample("a.mp3");
+    putSample("b.mp3");
+    AddDirectoryBox box(model);
+    box.setDirPath(media.path());
+    box.show();
+    int turns = 0;
+    setEventTurnHook([&] {
+        ++turns;
+        for (const char* name : {"DriveBox", "DirBox", "chkAddSubFolders", "cmdOk", "cmdCancel"}) {
+            EXPECT_FALSE(box.findChild<QWidget*>(name)->isEnabled()) << name;
+        }
+        box.close();
+        box.reject();
+        EXPECT_TRUE(box.isVisible());
+    });
+    box.findChild<QPushButton*>("cmdOk")->click();
+    EXPECT_GE(turns, 1);
+    EXPECT_FALSE(box.isVisible());
+    EXPECT_TRUE(box.findChild<QPushButton*>("cmdCancel")->isEnabled());
+    EXPECT_EQ(model.items.count(), 2);
+}
+
+TEST_F(AddDirectoryBoxTest, Cancel_AddsNothingAndKeepsTheSetting) {
+    putSample("a.mp3");
+    WriteSetting("Commondialog", "AddFiles", "/");
+    AddDirectoryBox box(model);
+    box.setDirPath(media.path());
+    box.show();
+    box.findChild<QPushButton*>("cmdCancel")->click();
+    EXPECT_FALSE(box.isVisible());
+    EXPECT_EQ(model.items.count(), 0);
+    EXPECT_EQ(ReadSetting("Commondialog", "AddFiles"), "/");
+}
+
+TEST_F(AddDirectoryBoxTest, ChangingTheDrive_ShowsThatDrivesCurrentFolder) {
+    AddDirectoryBox box(model);
+    auto* drives = box.findChild<QComboBox*>("DriveBox");
+    QString other;
+    for (int i = 0; i < drives->count(); ++i) {
+        if (drives->itemData(i).toString() != "/") {
+            other = drives->itemData(i).toString();
+            break;
+        }
+    }
+    if (other.isEmpty()) {
+        GTEST_SKIP() << "only one mounted file system";
+    }
+    box.setDirPath(media.path());
+    const QString mediaDrive = box.driveOf(media.path());
+    box.setDrive(other == mediaDrive ? QStringLiteral("/") : other);
+    EXPECT_NE(box.dirPath(), QDir::cleanPath(media.path()));
+    box.setDrive(mediaDrive);
+    EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.path()));
+}
+
+}  // namespace
