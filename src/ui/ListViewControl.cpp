@@ -4,12 +4,28 @@
 #include <QHeaderView>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QStyledItemDelegate>
 #include <QUrl>
 
 #include "list/ItemList.h"
 #include "ui/Twips.h"
 
+namespace {
+// Shows a cell's text up to its first character 0, as a native list view
+// does: an empty tag field read from a file is 30 such characters.
+class CellTextDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QString displayText(const QVariant& value, const QLocale& locale) const override {
+        const QString text = QStyledItemDelegate::displayText(value, locale);
+        const qsizetype end = text.indexOf(QChar(0));
+        return end < 0 ? text : text.left(end);
+    }
+};
+}  // namespace
+
 ListViewControl::ListViewControl(QWidget* parent) : QTableView(parent) {
+    setItemDelegate(new CellTextDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -32,6 +32,8 @@ struct MainCommands {
     std::function<void()> addMPEGColumns;
     // Adds dropped paths at the end of the list, in the order given.
     std::function<void(const QStringList& paths)> dropFiles;
+    // The click on CancelLabel: the running adding stops after its current row.
+    std::function<void()> cancelAdding;
 
     // Join.
     std::function<void()> startJoin;

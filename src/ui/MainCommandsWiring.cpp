@@ -1,22 +1,79 @@
 // Connects the main window's commands to the routines of the list, join and
 // window modules.
-#include <QDesktopServices>
-#include <QUrl>
-
+#include "app/AppPaths.h"
+#include "join/StartJoin.h"
+#include "list/AddFilesModule.h"
+#include "list/ClipboardModule.h"
+#include "list/ListFunctions.h"
+#include "list/ListviewLayout.h"
 #include "platform/FileHelpers.h"
+#include "platform/Shell.h"
+#include "ui/AboutWindow.h"
+#include "ui/HelpCommands.h"
 #include "ui/MainCommands.h"
 #include "ui/MainWindow.h"
+#include "ui/PreferencesWindow.h"
+#include "ui/TipsWindow.h"
+
+namespace {
+// The tips and preferences windows live from their creation (hidden, at
+// start-up) until they are first closed; the next showing makes a new one,
+// which loads its settings anew.
+template <typename Window>
+void ShowLastingWindow(MainWindow& window, QPointer<QDialog>& slot) {
+    if (!slot) {
+        slot = new Window(window.model(), &window);
+        QObject::connect(slot.data(), &QDialog::finished, slot.data(), &QObject::deleteLater);
+    }
+    if (slot->isVisible()) {
+        slot->raise();
+        slot->activateWindow();
+        return;
+    }
+    slot->exec();
+}
+}  // namespace
 
 void WireMainCommands(MainWindow& window, MainCommands& c) {
     MainModel& model = window.model();
-    (void)model;
 
-    // Desktop: the file opens in whatever the user's system has for it.
-    c.shellOpen = [](const QString& path) {
-        if (!path.isEmpty()) {
-            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-        }
+    c.newItemList = [&model](const QString& type) { NewItemList(model, type); };
+    c.openList = [&model] { OpenList(model); };
+    c.saveList = [&model](short saveAs) { SaveList(model, saveAs); };
+    c.addFiles = [&model] { AddFiles(model); };
+    c.copyItem = [&model](int index, short cut) { CopyItem(model, index, cut); };
+    c.pasteItem = [&model] { PasteItem(model); };
+    c.copyList = [&model] { CopyList(model); };
+    c.removeItem = [&model](int index) { RemoveItem(model, index); };
+    c.clearList = [&model](short ask) { ClearList(model, ask); };
+    c.removeDuplicatedFiles = [&model] { RemoveDuplicatedFiles(model); };
+    c.removeDeadFiles = [&model] { RemoveDeadFiles(model); };
+    c.onlyKeepBitrateItems = [&model](const QString& b) { OnlyKeepBitrateItems(model, b); };
+    c.moveItemUp = [&model](int index) { MoveItemUp(model, index); };
+    c.moveItemDown = [&model](int index) { MoveItemDown(model, index); };
+    c.clearColumns = [&model] { ClearColumns(model); };
+    c.addSharedColumns = [&model] { AddSharedColumns(model); };
+    c.addMP3Columns = [&model] { AddMP3Columns(model); };
+    c.addMPEGColumns = [&model] { AddMPEGColumns(model); };
+    c.dropFiles = [&model](const QStringList& paths) { AddDroppedFiles(model, paths); };
+    c.cancelAdding = [&model] { CancelAdding(model); };
+
+    c.startJoin = [&model] { StartJoin(model); };
+
+    c.showPreferences = [&window] {
+        ShowLastingWindow<PreferencesWindow>(window, window.preferencesWindow);
     };
+    c.showTips = [&window] { ShowLastingWindow<TipsWindow>(window, window.tipsWindow); };
+    c.showHelpManual = [&model] { HelpManual(model); };
+    c.checkForUpdate = [&model] { HelpCheckForUpdate(model); };
+    c.showAbout = [&window] {
+        AboutWindow about(window.model(), &window);
+        about.exec();
+    };
+
+    // Desktop: the file opens in whatever the user's system has for it. An
+    // empty path (no row selected) is handed on as it is and opens nothing.
+    c.shellOpen = [](const QString& path) { ShellOpen(path); };
     c.showFileProperties = [&window](const QString& path) {
         ShowFileProperties(path, static_cast<std::uint32_t>(window.winId()));
     };

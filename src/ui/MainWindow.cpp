@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QFont>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -35,7 +36,6 @@ constexpr int kInfoPanelLeft = 80;
 constexpr int kInfoPanelHeight = 900;
 constexpr int kLabelHeight = 195;
 
-const QString kSeparatorCaption = QStringLiteral("-");
 const QString kID3TagCaption = QStringLiteral("&ID3 Tag");
 const QString kFilePropertiesCaption = QStringLiteral("&File Properties");
 const QString kPreferencesCaption = QStringLiteral("&Preferences");
@@ -98,7 +98,8 @@ QAction* MainWindow::addEntry(QMenu* menu, const QString& name, const QString& c
 }
 
 QAction* MainWindow::addSeparator(QMenu* menu, const QString& name) {
-    auto* separator = new QAction(kSeparatorCaption, this);
+    // A separator carries no text: some styles would draw it beside the line.
+    auto* separator = new QAction(this);
     separator->setObjectName(name);
     separator->setSeparator(true);
     menu->addAction(separator);
@@ -230,6 +231,12 @@ void MainWindow::buildToolbar() {
     toolbar_->setFloatable(false);
     toolbar_->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     toolbar_->setIconSize(QSize(24, 24));
+    // Seven captioned buttons share the design width of the window.
+    toolbar_->setStyleSheet(
+        QStringLiteral("QToolBar { spacing: 0px; padding: 0px; }"
+                       "QToolButton { font-size: 7pt; padding: 1px 1px; margin: 0px; }"
+                       "QToolButton[popupMode=\"1\"] { padding-right: 11px; }"
+                       "QToolButton::menu-button { width: 10px; }"));
 
     struct Button {
         const char* caption;
@@ -567,7 +574,7 @@ void MainWindow::showContextMenu(const QPoint& globalPosition) {
     preferences->setText(kFilePropertiesCaption);
     menus_.value(QStringLiteral("EditMenu"))->exec(globalPosition);
     sortWizard->setVisible(true);
-    sep9->setText(kSeparatorCaption);
+    sep9->setText(QString());
     sep9->setSeparator(true);
     preferences->setText(kPreferencesCaption);
 }
@@ -705,10 +712,7 @@ void MainWindow::dropFiles(const QStringList& paths) {
 }
 
 void MainWindow::cancelAddingFiles() {
-    model_.state.setCancelAddFiles(-1);
-    model_.state.setStatusPanel2(QString());
-    model_.state.setCancelOverlayVisible(false);
-    model_.state.setProgressVisible(false);
+    RunCommand(commands_.cancelAdding);
 }
 
 // ---------------------------------------------------------------- closing

@@ -12,6 +12,7 @@ class ImageButton;
 class LinkLabel;
 class ListViewControl;
 class QAction;
+class QDialog;
 class QLabel;
 class QMenu;
 class QProgressBar;
@@ -41,6 +42,11 @@ public:
     // Ends the program at once (File, Exit; the answered close question). The
     // program puts an immediate exit here; tests put a recorder.
     std::function<void()> exitProgram;
+
+    // The tips and preferences windows while they live (created hidden at
+    // start-up, ended by their first close).
+    QPointer<QDialog> tipsWindow;
+    QPointer<QDialog> preferencesWindow;
 
     // The client area: everything below the menu bar.
     QWidget* client() const { return client_; }

@@ -14,6 +14,28 @@
 
 short NewListAtStartup = 0;
 
+namespace {
+// A stored check box value: 0 clear, 1 checked, 2 grey.
+int CheckBoxValue(const QCheckBox* box) {
+    switch (box->checkState()) {
+        case Qt::Checked:
+            return 1;
+        case Qt::PartiallyChecked:
+            return 2;
+        case Qt::Unchecked:
+            break;
+    }
+    return 0;
+}
+
+void SetCheckBoxValue(QCheckBox* box, int value) {
+    box->setTristate(value == 2);
+    box->setCheckState(value == 1   ? Qt::Checked
+                       : value == 2 ? Qt::PartiallyChecked
+                                    : Qt::Unchecked);
+}
+}  // namespace
+
 NewListWindow::NewListWindow(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("NewList"));
     setWindowTitle(QStringLiteral("New List"));
@@ -82,12 +104,11 @@ NewListWindow::NewListWindow(QWidget* parent) : QDialog(parent) {
 
 void NewListWindow::getNewListSettings() {
     NewListControls controls;
-    controls.DoNotAskMeAgain = static_cast<int>(doNotAskMeAgain_->checkState());
+    controls.DoNotAskMeAgain = CheckBoxValue(doNotAskMeAgain_);
     controls.OptionMP3 = optionMP3_->isChecked();
     controls.OptionMPEG = optionMPEG_->isChecked();
     GetNewListSettings(controls);
-    doNotAskMeAgain_->setTristate(controls.DoNotAskMeAgain == 2);
-    doNotAskMeAgain_->setCheckState(static_cast<Qt::CheckState>(controls.DoNotAskMeAgain));
+    SetCheckBoxValue(doNotAskMeAgain_, controls.DoNotAskMeAgain);
     if (controls.OptionMPEG) {
         optionMPEG_->setChecked(true);
     }
@@ -95,7 +116,7 @@ void NewListWindow::getNewListSettings() {
 
 void NewListWindow::saveNewListSettings() {
     NewListControls controls;
-    controls.DoNotAskMeAgain = static_cast<int>(doNotAskMeAgain_->checkState());
+    controls.DoNotAskMeAgain = CheckBoxValue(doNotAskMeAgain_);
     controls.OptionMP3 = optionMP3_->isChecked();
     controls.OptionMPEG = optionMPEG_->isChecked();
     SaveNewListSettings(controls);
@@ -103,7 +124,7 @@ void NewListWindow::saveNewListSettings() {
 
 void NewListWindow::load() {
     getNewListSettings();
-    if (NewListAtStartup == -1 && doNotAskMeAgain_->checkState() == Qt::Checked) {
+    if (NewListAtStartup == -1 && CheckBoxValue(doNotAskMeAgain_) == 1) {
         skipped_ = true;
         createNewList();
         return;

@@ -1,0 +1,65 @@
+#!/bin/sh
+# Takes the pictures of the program for the documentation and saves them in
+# docs/screenshots/. Runs the built program under a virtual X server with a
+# fresh settings folder per picture; the program sets each scene up itself
+# (see src/ui/ScreenshotScenes.h) and ends after saving its picture.
+#
+#   scripts/screenshots.sh [build-folder]      (default: build)
+#
+# To add a picture: add a scene to src/ui/ScreenshotScenes.cpp and one
+# "shoot" line below.
+set -eu
+
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+BUILD=${1:-$ROOT/build}
+BIN=$BUILD/bin/velmora
+OUT=$ROOT/docs/screenshots
+MEDIA_DIR=$ROOT/../shared/testdata
+
+[ -x "$BIN" ] || { echo "no program at $BIN; build the target velmora first" >&2; exit 1; }
+command -v xvfb-run >/dev/null || { echo "xvfb-run is needed" >&2; exit 1; }
+mkdir -p "$OUT"
+
+WORK=$(mktemp -d)
+trap 'rm -rf "$WORK"' EXIT
+
+# A few real MP3 files, copied under plain names.
+MEDIA=""
+i=0
+for f in mimetype-mp3.mp3 filetype-fixture.mp3 mimetype-mp3.v2.notag.mp3 \
+         mimetype-mp3.v2.5.notag.mp3; do
+    [ -f "$MEDIA_DIR/$f" ] || continue
+    i=$((i + 1))
+    mkdir -p "$WORK/music"
+    cp "$MEDIA_DIR/$f" "$WORK/music/Track $i - $f"
+    MEDIA="$MEDIA${MEDIA:+:}$WORK/music/Track $i - $f"
+done
+
+# shoot <scene> <file> <splash off 0/1> <NewList dialog off 0/1> [media]
+shoot() {
+    home=$(mktemp -d "$WORK/home.XXXXXX")
+    mkdir -p "$home/Kestor/Velmora"
+    cat > "$home/Kestor/Velmora/Settings.ini" <<INI
+[Splashscreen]
+DoNotShowAtStartup=$3
+[NewList]
+DoNotAskMeAgain=$4
+ListType=MP3
+[Tips]
+ShowAtStartup=0
+Count=1
+Tip1=Drop files from your file manager on the list to add them.
+INI
+    echo "== $1 -> $OUT/$2"
+    XDG_DATA_HOME=$home \
+    VELMORA_SCREENSHOT_SCENE=$1 \
+    VELMORA_SCREENSHOT_FILE=$OUT/$2 \
+    VELMORA_SCREENSHOT_MEDIA=${5:-} \
+    QT_QPA_PLATFORM=xcb \
+        xvfb-run -a -s "-screen 0 1024x768x24" "$BIN"
+}
+
+shoot splash      splash.png       0 0
+shoot newlist     newlist.png      1 0
+shoot main        main-window.png  1 1 "$MEDIA"
+shoot contextmenu context-menu.png 1 1 "$MEDIA"

@@ -1,0 +1,82 @@
+#include "ui/AppLauncher.h"
+
+#include <QCheckBox>
+#include <QTimer>
+
+#include "app/Startup.h"
+#include "platform/Shell.h"
+#include "ui/MainWindow.h"
+#include "ui/NewListWindow.h"
+#include "ui/PreferencesWindow.h"
+#include "ui/Splashscreen.h"
+#include "ui/TipsWindow.h"
+
+namespace {
+bool checkBoxIsSet(QWidget* window, const char* name) {
+    if (window == nullptr) {
+        return false;
+    }
+    auto* box = window->findChild<QCheckBox*>(QString::fromLatin1(name));
+    return box != nullptr && box->checkState() == Qt::Checked;
+}
+}  // namespace
+
+AppLauncher::AppLauncher(Questions& questions, Clipboard& clipboard)
+    : questions_(questions), mainWindow_(std::make_unique<MainWindow>(questions, clipboard)) {
+    openSite = [](const QString& address) { ShellOpen(address); };
+}
+
+AppLauncher::~AppLauncher() {
+    delete splash_.data();
+}
+
+Splashscreen* AppLauncher::splashscreen() const {
+    return splash_.data();
+}
+
+void AppLauncher::start(const QStringList& arguments) {
+    PrepareStartup(arguments, questions_);
+
+    auto* splash = new Splashscreen();
+    splash_ = splash;
+    splash->handOver = [this] { handOver(); };
+    splash->openSite = [this](const QString& address) {
+        if (openSite) {
+            openSite(address);
+        }
+    };
+
+    // Both windows read their settings as they are created, and stay hidden
+    // until the user opens them (the tips perhaps right after the hand-over).
+    QDialog* tips = new TipsWindow(mainWindow_->model(), mainWindow_.get());
+    QDialog* preferences = new PreferencesWindow(mainWindow_->model(), mainWindow_.get());
+    for (QDialog* lasting : {tips, preferences}) {
+        connect(lasting, &QDialog::finished, lasting, &QObject::deleteLater);
+    }
+    mainWindow_->tipsWindow = tips;
+    mainWindow_->preferencesWindow = preferences;
+
+    if (checkBoxIsSet(mainWindow_->preferencesWindow, "DoNotShowSplashscreenAtStartup")) {
+        handOver();
+        return;
+    }
+    splash->showSplash();
+}
+
+void AppLauncher::handOver() {
+    if (handedOver_) {
+        return;
+    }
+    handedOver_ = true;
+    if (splash_) {
+        splash_->timer()->stop();
+        splash_->close();
+    }
+    mainWindow_->show();
+    NewListAtStartup = -1;
+    mainWindow_->showNewList();
+    QDialog* tips = mainWindow_->tipsWindow;
+    if (tips != nullptr && checkBoxIsSet(tips, "ShowAtStartup")) {
+        tips->show();
+    }
+}

@@ -1,0 +1,109 @@
+#include "ui/ScreenshotScenes.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QHash>
+#include <QMenu>
+#include <QPixmap>
+#include <QScreen>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+#include "ui/AppLauncher.h"
+#include "ui/ListViewControl.h"
+#include "ui/MainWindow.h"
+#include "ui/Splashscreen.h"
+
+namespace {
+
+[[noreturn]] void SaveAndEnd(const QRect& area, const QString& file) {
+    QScreen* screen = QGuiApplication::primaryScreen();
+    QPixmap shot = screen->grabWindow(0);
+    const QRect crop = area.adjusted(-8, -8, 8, 8).intersected(shot.rect());
+    const bool saved = shot.copy(crop).save(file);
+    std::fprintf(stderr, "%s %s\n", saved ? "saved" : "could not save", qPrintable(file));
+    std::fflush(nullptr);
+    std::_Exit(saved ? 0 : 1);
+}
+
+// Runs step after ms milliseconds of event handling.
+void After(int ms, std::function<void()> step) {
+    QTimer::singleShot(ms, std::move(step));
+}
+
+void DropMedia(MainWindow& window) {
+    const QString media = qEnvironmentVariable("VELMORA_SCREENSHOT_MEDIA");
+    if (!media.isEmpty()) {
+        window.dropFiles(media.split(u':', Qt::SkipEmptyParts));
+    }
+    window.model().state.setSelectedIndex(window.model().items.count() >= 2 ? 2 : 1);
+}
+
+using Scene = std::function<void(AppLauncher&, const QString& file)>;
+
+QHash<QString, Scene> Scenes() {
+    QHash<QString, Scene> scenes;
+    scenes.insert(QStringLiteral("splash"), [](AppLauncher& launcher, const QString& file) {
+        After(400, [&launcher, file] {
+            if (Splashscreen* splash = launcher.splashscreen()) {
+                SaveAndEnd(splash->frameGeometry(), file);
+            }
+        });
+    });
+    // The main window behind the NewList dialog, as at a first start.
+    scenes.insert(QStringLiteral("newlist"), [](AppLauncher& launcher, const QString& file) {
+        After(2800, [&launcher, file] {
+            QRect area = launcher.mainWindow()->frameGeometry();
+            if (QWidget* dialog = QApplication::activeModalWidget()) {
+                area = area.united(dialog->frameGeometry());
+            }
+            SaveAndEnd(area, file);
+        });
+    });
+    scenes.insert(QStringLiteral("main"), [](AppLauncher& launcher, const QString& file) {
+        After(600, [&launcher, file] {
+            MainWindow& window = *launcher.mainWindow();
+            DropMedia(window);
+            After(400, [&window, file] { SaveAndEnd(window.frameGeometry(), file); });
+        });
+    });
+    scenes.insert(QStringLiteral("contextmenu"), [](AppLauncher& launcher, const QString& file) {
+        After(600, [&launcher, file] {
+            MainWindow& window = *launcher.mainWindow();
+            DropMedia(window);
+            After(500, [&window, file] {
+                QRect area = window.frameGeometry();
+                if (QWidget* popup = QApplication::activePopupWidget()) {
+                    area = area.united(popup->frameGeometry());
+                }
+                SaveAndEnd(area, file);
+            });
+            ListViewControl* view = window.listView();
+            const int row = window.selectedIndex() - 1;
+            const QRect cell = view->visualRect(window.model().items.index(row, 0));
+            window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
+        });
+    });
+    return scenes;
+}
+
+}  // namespace
+
+void PrepareScreenshotScene(AppLauncher& launcher) {
+    const QString name = qEnvironmentVariable("VELMORA_SCREENSHOT_SCENE");
+    const QString file = qEnvironmentVariable("VELMORA_SCREENSHOT_FILE");
+    if (name.isEmpty() || file.isEmpty()) {
+        return;
+    }
+    const QHash<QString, Scene> scenes = Scenes();
+    const auto scene = scenes.find(name);
+    if (scene == scenes.end()) {
+        std::fprintf(stderr, "unknown screenshot scene %s\n", qPrintable(name));
+        std::_Exit(2);
+    }
+    (*scene)(launcher, file);
+    // A scene that cannot come about must not leave the program hanging.
+    After(20000, [] { std::_Exit(3); });
+}
