@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QTest>
+
+#include "MainWindowTestHelpers.h"
+#include "list/ListFunctions.h"
+#include "ui/StatusBarControl.h"
+
+namespace {
+void ClickPanel(WindowFixture& f, int panel) {
+    QTest::mouseClick(f.window->statusBarControl()->panel(panel), Qt::LeftButton);
+}
+}  // namespace
+
+TEST(StatusBoxes, Green_InformationBox) {
+    WindowFixture f;
+    f.window->show();
+    f.model().state.setListStatusText("Green");
+    ClickPanel(f, 3);
+    ASSERT_EQ(f.questions.asked.size(), 1);
+    EXPECT_EQ(f.questions.asked[0].prompt,
+              "Status: Green\n\nThis status indicates that there is nothing wrong with your list.");
+    EXPECT_EQ(f.questions.asked[0].style, Msg::OkOnly + Msg::Information);
+    EXPECT_EQ(f.questions.asked[0].title, "");
+}
+
+TEST(StatusBoxes, Orange_ExclamationBox) {
+    WindowFixture f;
+    f.window->show();
+    f.model().state.setListStatusText("Orange");
+    ClickPanel(f, 3);
+    ASSERT_EQ(f.questions.asked.size(), 1);
+    EXPECT_EQ(f.questions.asked[0].prompt,
+              "Status: Orange\n\nThis status indicates that there are some (problems) with your "
+              "list.\n\nPossible Reasons:\n-Different Kilohertz\n\nNote: although it is "
+              "recommended that you join files\nwith the same properties, you can still join "
+              "this list!");
+    EXPECT_EQ(f.questions.asked[0].style, Msg::OkOnly + Msg::Exclamation);
+}
+
+TEST(StatusBoxes, RedWithFewerThanTwoRows_NotEnoughItems) {
+    WindowFixture f;
+    f.fillMp3List(1);
+    f.window->show();
+    f.model().state.setListStatusText("Red");
+    ClickPanel(f, 3);
+    ASSERT_EQ(f.questions.asked.size(), 1);
+    EXPECT_EQ(f.questions.asked[0].prompt,
+              "Status: Red\n\nThis status indicates that your list cannot be merged this "
+              "way.\n\nPossible Reasons:\n-There are not enough items in your list.");
+    EXPECT_EQ(f.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+}
+
+TEST(StatusBoxes, RedWithTwoRows_CodecsAndDimensions) {
+    WindowFixture f;
+    f.fillMp3List(2);
+    f.window->show();
+    f.model().state.setListStatusText("Red");
+    ClickPanel(f, 3);
+    ASSERT_EQ(f.questions.asked.size(), 1);
+    EXPECT_EQ(f.questions.asked[0].prompt,
+              "Status: Red\n\nThis status indicates that there are some (problems) with your "
+              "list.\n\nPossible Reasons:\n-Different Video Codecs\n-Different Dimensions");
+    EXPECT_EQ(f.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+}
+
+TEST(StatusBoxes, NoStatusOrOtherPanels_ShowNothing) {
+    WindowFixture f;
+    f.window->show();
+    ClickPanel(f, 3);
+    f.model().state.setListStatusText("Green");
+    ClickPanel(f, 1);
+    ClickPanel(f, 2);
+    EXPECT_TRUE(f.questions.asked.isEmpty());
+}
+
+TEST(ChangeListType, EmptyMp3List_NoQuestionBecomesMpeg) {
+    WindowFixture f;
+    f.fillMp3List(0);
+    f.window->show();
+    QTest::mouseClick(f.window->findChild<QLabel*>("ChangeListType"), Qt::LeftButton);
+    EXPECT_TRUE(f.questions.asked.isEmpty());
+    EXPECT_EQ(f.calls, QStringList({"ClearColumns", "AddSharedColumns", "AddMPEGColumns"}));
+    EXPECT_EQ(f.model().state.listType(), "MPEG");
+    EXPECT_EQ(f.model().state.typeImage(), ListState::Picture::MPEG);
+    EXPECT_EQ(f.window->findChild<QLabel*>("ListTypeValue")->text(), "MPEG");
+    f.calls.clear();
+    f.window->changeListType();
+    EXPECT_EQ(f.model().state.listType(), "MP3");
+    EXPECT_EQ(f.model().state.typeImage(), ListState::Picture::MP3);
+    EXPECT_EQ(f.calls, QStringList({"ClearColumns", "AddSharedColumns", "AddMP3Columns"}));
+}
+
+TEST(ChangeListType, WithRowsYes_SavesClearsSilentlyAndToggles) {
+    WindowFixture f;
+    f.fillMp3List(2);
+    f.questions.answer(Msg::Yes);
+    f.window->changeListType();
+    ASSERT_EQ(f.questions.asked.size(), 1);
+    EXPECT_EQ(f.questions.asked[0].prompt,
+              "Warning: this action will clear your list, and then change the type of "
+              "list.\n\nWould you like to save your list first?");
+    EXPECT_EQ(f.questions.asked[0].style, Msg::YesNoCancel + Msg::Exclamation);
+    EXPECT_EQ(f.calls, QStringList({"SaveList 0", "ClearList 0", "ClearColumns", "AddSharedColumns",
+                                    "AddMPEGColumns"}));
+    EXPECT_EQ(f.model().state.listType(), "MPEG");
+}
+
+TEST(ChangeListType, WithRowsNo_ClearsWithoutSaving) {
+    WindowFixture f;
+    f.fillMp3List(2);
+    f.questions.answer(Msg::No);
+    f.window->changeListType();
+    EXPECT_EQ(f.calls,
+              QStringList({"ClearList 0", "ClearColumns", "AddSharedColumns", "AddMPEGColumns"}));
+}
+
+TEST(ChangeListType, WithRowsCancel_NothingChanges) {
+    WindowFixture f;
+    f.fillMp3List(2);
+    f.questions.answer(Msg::Cancel);
+    f.window->changeListType();
+    EXPECT_TRUE(f.calls.isEmpty());
+    EXPECT_EQ(f.model().state.listType(), "MP3");
+    EXPECT_EQ(f.model().items.count(), 2);
+}
+
+TEST(ChangeListType, RealRoutines_YesAndCancelledSave_ClearsAndChangesColumns) {
+    // The window's own wiring: the list routines do the work.
+    ScriptedQuestions questions;
+    MemoryClipboard clipboard;
+    MainWindow window(questions, clipboard);
+    NewItemList(window.model(), "MP3");
+    ASSERT_EQ(window.model().items.headerCount(), 12);
+    window.model().items.addRow("a.mp3");
+    window.model().items.addRow("b.mp3");
+    const QString title = window.model().state.windowTitle();
+    questions.answer(Msg::Yes);
+    questions.cancelDialog();
+    window.changeListType();
+    EXPECT_EQ(window.model().items.count(), 0);
+    EXPECT_EQ(window.model().state.listType(), "MPEG");
+    EXPECT_EQ(window.model().items.headerCount(), 7);
+    EXPECT_EQ(window.model().items.header(3).text, "Filepath");
+    EXPECT_EQ(window.model().items.header(3).width, 0);
+    EXPECT_EQ(questions.dialogsShown.size(), 1);
+    EXPECT_EQ(window.model().state.windowTitle(), title);
+}
