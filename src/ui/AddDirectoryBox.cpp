@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStorageInfo>
+#include <QTimer>
 #include <QTreeView>
 #include <algorithm>
 
@@ -83,6 +84,19 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     for (int column = 1; column < folders_->columnCount(); ++column) {
         dirBox_->hideColumn(column);
     }
+    // The tree fills in the background; once the folders above the shown one
+    // are read, it is brought into view.
+    connect(folders_, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
+        if (path_.startsWith(loaded)) {
+            showPathInTree();
+            // The model sorts what it read a moment later; then it is scrolled to.
+            QTimer::singleShot(50, this, [this] {
+                if (dirBox_->currentIndex().isValid()) {
+                    dirBox_->scrollTo(dirBox_->currentIndex(), QAbstractItemView::PositionAtCenter);
+                }
+            });
+        }
+    });
     connect(dirBox_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
                 if (syncingTree_ || !current.isValid()) {
@@ -174,12 +188,20 @@ void AddDirectoryBox::showPathInTree() {
     }
     syncingTree_ = true;
     const QString root = driveOf(path_);
-    folders_->setRootPath(root);
-    dirBox_->setRootIndex(folders_->index(root));
+    if (folders_->rootPath() != root) {
+        folders_->setRootPath(root);
+    }
+    if (dirBox_->rootIndex() != folders_->index(root)) {
+        dirBox_->setRootIndex(folders_->index(root));
+    }
     const QModelIndex index = folders_->index(path_);
     if (index.isValid() && path_ != root) {
+        for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
+            dirBox_->expand(above);
+        }
         dirBox_->setCurrentIndex(index);
-        dirBox_->scrollTo(index);
+        dirBox_->scrollTo(index, QAbstractItemView::PositionAtCenter);
+
     } else {
         dirBox_->clearSelection();
     }

@@ -18,7 +18,7 @@ QRect tw(int left, int top, int width, int height) {
 }
 
 constexpr int kInnerWidth = 5400;
-constexpr int kInnerHeight = 5040;
+constexpr int kInnerHeight = 6165;
 constexpr int kFieldLeft = 1200;
 }  // namespace
 
@@ -66,28 +66,28 @@ ID3Tag::ID3Tag(MainModel& model, QWidget* parent) : QDialog(parent), model_(mode
 
     frame1_ = new QGroupBox(QStringLiteral("MPEG Info"), this);
     frame1_->setObjectName(QStringLiteral("Frame1"));
-    frame1_->setGeometry(tw(120, 2985, 5160, 1440));
+    frame1_->setGeometry(tw(120, 2985, 5160, 2565));
     lblInfo_ = new QLabel(frame1_);
     lblInfo_->setObjectName(QStringLiteral("lblInfo"));
     lblInfo_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    lblInfo_->setGeometry(tw(120, 300, 4920, 1080));
+    lblInfo_->setGeometry(tw(120, 300, 4920, 2160));
 
     cmdRemove_ = new QPushButton(QStringLiteral("&Remove Tag"), this);
     cmdRemove_->setObjectName(QStringLiteral("cmdRemove"));
     cmdRemove_->setAutoDefault(false);
-    cmdRemove_->setGeometry(tw(120, 4545, 1335, 375));
+    cmdRemove_->setGeometry(tw(120, 5670, 1335, 375));
     connect(cmdRemove_, &QPushButton::clicked, this, &ID3Tag::RemoveTag);
 
     cmdSave_ = new QPushButton(QStringLiteral("&Save"), this);
     cmdSave_->setObjectName(QStringLiteral("cmdSave"));
     cmdSave_->setDefault(true);  // the Enter key saves
-    cmdSave_->setGeometry(tw(3180, 4545, 975, 375));
+    cmdSave_->setGeometry(tw(3180, 5670, 975, 375));
     connect(cmdSave_, &QPushButton::clicked, this, &ID3Tag::Save);
 
     cmdCancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
     cmdCancel_->setAutoDefault(false);
-    cmdCancel_->setGeometry(tw(4305, 4545, 975, 375));
+    cmdCancel_->setGeometry(tw(4305, 5670, 975, 375));
     connect(cmdCancel_, &QPushButton::clicked, this, &ID3Tag::Cancel);
 
     setTabOrder(txtFilename_, txtTitle_);

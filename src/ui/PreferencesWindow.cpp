@@ -67,12 +67,12 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     QFont bold = headerText_->font();
     bold.setBold(true);
     headerText_->setFont(bold);
-    headerText_->setGeometry(tw(1080, 120, 3420, 240));
+    headerText_->setGeometry(tw(1080, 120, kInnerWidth - 1200, 240));
 
     headerSubText_ =
         new QLabel(QStringLiteral("Use this dialog to edit program settings..."), this);
     headerSubText_->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText_->setGeometry(tw(1080, 360, 3420, 255));
+    headerSubText_->setGeometry(tw(1080, 360, kInnerWidth - 1200, 255));
 
     newListFrame_ = new QGroupBox(this);
     newListFrame_->setObjectName(QStringLiteral("NewListFrame"));

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QImage>
 #include <QLabel>
 #include <QPushButton>
 
@@ -10,6 +12,34 @@
 #include "ui/AboutWindow.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class AboutWindowTest : public ::testing::Test {
 protected:
@@ -91,6 +121,14 @@ TEST_F(AboutWindowTest, CloseButton_ClosesTheWindow) {
     window.show();
     window.findChild<QPushButton*>("CloseButton")->click();
     EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(AboutWindowTest, Picture_ShowsTheWindow) {
+    AboutWindow window(model);
+    window.show();
+    const QImage image = takePicture(window, "about.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QTreeView>
 
 #include "app/AppPaths.h"
@@ -20,6 +24,34 @@
 #include "ui/AddDirectoryBox.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class AddDirectoryBoxTest : public ::testing::Test {
 protected:
@@ -192,6 +224,29 @@ TEST_F(AddDirectoryBoxTest, ChangingTheDrive_ShowsThatDrivesCurrentFolder) {
     EXPECT_NE(box.dirPath(), QDir::cleanPath(media.path()));
     box.setDrive(mediaDrive);
     EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.path()));
+}
+
+TEST_F(AddDirectoryBoxTest, Picture_ShowsTheWindow) {
+    WriteSetting("Commondialog", "AddFiles", "/usr/share");
+    AddDirectoryBox box(model);
+    box.findChild<QCheckBox*>("chkAddSubFolders")->setChecked(true);
+    box.show();
+    // The folder tree fills in the background.
+    for (int i = 0; i < 40; ++i) {
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(10);
+    }
+    auto* tree = box.findChild<QTreeView*>("DirBox");
+    EXPECT_EQ(box.dirPath(), "/usr/share");
+    // The remembered folder is selected and in view.
+    ASSERT_TRUE(tree->currentIndex().isValid());
+    EXPECT_EQ(tree->currentIndex().data(Qt::DisplayRole).toString(), "share");
+    EXPECT_TRUE(tree->isExpanded(tree->currentIndex().parent()));
+    EXPECT_TRUE(tree->viewport()->rect().intersects(tree->visualRect(tree->currentIndex())))
+        << tree->verticalScrollBar()->value() << " " << tree->visualRect(tree->currentIndex()).y();
+    const QImage image = takePicture(box, "add-directory.png");
+    EXPECT_EQ(image.size(), box.size() * box.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -18,9 +19,38 @@
 #include "support/MediaMaker.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
+#include "support/TestEnvironment.h"
 #include "ui/ID3Tag.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 QByteArray readAll(const QString& path) {
     QFile file(path);
@@ -314,6 +344,28 @@ TEST_F(ID3TagTest, MissingFile_NoTagAndTheButtonsChangeNothing) {
     EXPECT_EQ(child<QComboBox>(window, "cboGenre")->currentIndex(), 0);
     child<QPushButton>(window, "cmdSave")->click();
     EXPECT_FALSE(QFile::exists(dir.filePath("gone.mp3")));
+}
+
+TEST_F(ID3TagTest, Picture_ShowsTheWindow) {
+    const QString path = dir.filePath("Track 1.mp3");
+    ASSERT_TRUE(QFile::copy(SharedTestDataFolder() + "/mimetype-mp3.mp3", path));
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    ID3Reader tag;
+    tag.setFileName(path);
+    tag.setTitle("Harbour Lights");
+    tag.setArtist("The Lanterns");
+    tag.setAlbum("Night Ferry");
+    tag.setYear("2004");
+    tag.setComments("Live take");
+    tag.setGenre(17);
+    ASSERT_TRUE(tag.WriteTag());
+    ID3Tag window(model);
+    window.setFileName(path);
+    window.show();
+    const QImage image = takePicture(window, "id3-tag.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
+    window.reject();
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QGroupBox>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -32,6 +33,34 @@
 #include "ui/JoinWizard.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 QRect twips(int left, int top, int width, int height) {
     return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
@@ -377,6 +406,41 @@ TEST_F(JoinWizardTest, CancelRightAway_EndsCancelledAndTheCloseBoxThenCloses) {
     window.close();
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(appDataEntries(), QStringList());
+}
+
+TEST_F(JoinWizardTest, Picture_RunningAndFinished) {
+    if (!HaveFfmpeg()) {
+        GTEST_SKIP() << "ffmpeg is needed to make the MP3 files";
+    }
+    const QStringList sources = {makeMp3("one.mp3", 3, 440), makeMp3("two.mp3", 4, 550)};
+    fillList("MP3", sources);
+    const QString output = media + "/joined.mp3";
+    {
+        // Held in its first operation, as in the test above.
+        questions.chooseFile(output);
+        ASSERT_TRUE(StartJoin(model));
+        QDir().mkpath(appData + "/JoinTemp");
+        QFile blocker(appData + "/JoinTemp/keep");
+        ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        JoinWizard window(model);
+        watch(window);
+        window.show();
+        ASSERT_TRUE(waitUntil([&] { return clock == "00:00:01"; }, 10000));
+        const QImage image = takePicture(window, "join-wizard.png");
+        EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+        EXPECT_TRUE(hasContent(image));
+        QFile::remove(appData + "/JoinTemp/keep");
+        window.findChild<QPushButton*>("CancelButton")->click();
+        closeWithTheCloseButton(window);
+    }
+    questions.chooseFile(output);
+    ASSERT_TRUE(StartJoin(model));
+    JoinWizard window(model);
+    joinToTheEnd(window, output);
+    const QImage image = takePicture(window, "join-wizard-finished.png");
+    EXPECT_TRUE(hasContent(image));
+    closeWithTheCloseButton(window);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QImage>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -12,6 +14,34 @@
 #include "ui/ListInfo.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class ListInfoTest : public ::testing::Test {
 protected:
@@ -109,6 +139,19 @@ TEST_F(ListInfoTest, Figures_AreTakenOnceWhenTheWindowIsMade) {
     UpdateListTotals(model);
     window.findChild<QPushButton*>("CopyButton")->click();
     EXPECT_TRUE(clipboard.text().contains("Total items in list=0\r\n"));
+}
+
+TEST_F(ListInfoTest, Picture_ShowsTheWindow) {
+    addRow("a.mp3", "4,210 KB", "263 seconds");
+    addRow("b.mp3", "3,877 KB", "242 seconds");
+    addRow("c.mp3", "5,020 KB", "313 seconds");
+    UpdateListTotals(model);
+    model.state.setListFileName("/home/user/lists/Road Trip.vlr");
+    ListInfo window(model);
+    window.show();
+    const QImage image = takePicture(window, "list-info.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

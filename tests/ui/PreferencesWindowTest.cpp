@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QImage>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -15,6 +17,34 @@
 #include "ui/PreferencesWindow.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class PreferencesWindowTest : public ::testing::Test {
 protected:
@@ -155,6 +185,15 @@ TEST_F(PreferencesWindowTest, ValueThatIsNoNumber_LeavesTheCheckBoxAsItIs) {
     WriteSetting("Splashscreen", "DoNotShowAtStartup", "yes");
     PreferencesWindow window(model);
     EXPECT_FALSE(child<QCheckBox>(window, "DoNotShowSplashscreenAtStartup")->isChecked());
+}
+
+TEST_F(PreferencesWindowTest, Picture_ShowsTheWindow) {
+    WriteSetting("NewList", "DoNotAskMeAgain", "1");
+    PreferencesWindow window(model);
+    window.show();
+    const QImage image = takePicture(window, "preferences.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QComboBox>
+#include <QImage>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -14,6 +16,34 @@
 #include "ui/RemoveWizard.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class RemoveWizardTest : public ::testing::Test {
 protected:
@@ -197,6 +227,18 @@ TEST_F(RemoveWizardTest, CancelHalfWayThroughAThousandRows_KeepsWhatWasDone) {
     }
     EXPECT_EQ(model.items.cell(501, 0), "0502.mp3");
     EXPECT_EQ(model.items.cell(750, 0), "1000.mp3");
+}
+
+TEST_F(RemoveWizardTest, Picture_ShowsTheWindow) {
+    addRow("a.mp3", "The Lanterns");
+    addRow("b.mp3", "Marble Coast");
+    addRow("c.mp3", "The Lanterns");
+    RemoveWizard window(model);
+    window.findChild<QComboBox*>("ColumnToCheck")->setCurrentIndex(4);
+    window.show();
+    const QImage image = takePicture(window, "remove-wizard.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

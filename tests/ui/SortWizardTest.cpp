@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QComboBox>
+#include <QImage>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -12,6 +14,34 @@
 #include "ui/SortWizard.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 class SortWizardTest : public ::testing::Test {
 protected:
@@ -127,6 +157,15 @@ TEST_F(SortWizardTest, EmptyList_SortsNothingAndCloses) {
     window.findChild<QPushButton*>("SortButton")->click();
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(model.items.count(), 0);
+}
+
+TEST_F(SortWizardTest, Picture_ShowsTheWindow) {
+    SortWizard window(model);
+    window.findChild<QComboBox*>("SortField")->setCurrentIndex(4);
+    window.show();
+    const QImage image = takePicture(window, "sort-wizard.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QImage>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -14,6 +16,34 @@
 #include "ui/TipsWindow.h"
 
 namespace {
+
+// Renders the window; when VELMORA_SCREENSHOT_DIR names a folder the picture
+// is saved there under the given name, for the documentation's gallery.
+QImage takePicture(QWidget& window, const QString& name) {
+    QApplication::processEvents();
+    const QImage image = window.grab().toImage();
+    const QString folder = qEnvironmentVariable("VELMORA_SCREENSHOT_DIR");
+    if (!folder.isEmpty()) {
+        image.save(folder + u'/' + name);
+    }
+    return image;
+}
+
+// True when the picture holds more than one colour: something was drawn.
+bool hasContent(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
 
 const QString kErrorText =
     QStringLiteral("Error while trying to input [Tips] section. Please, re-install Velmora!");
@@ -177,6 +207,17 @@ TEST_F(TipsWindowTest, ShowAtStartup_ReadOnLoadAndWrittenOnClose) {
     window.findChild<QPushButton*>("CloseButton")->click();
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(ReadSetting("Tips", "ShowAtStartup"), "0");
+}
+
+TEST_F(TipsWindowTest, Picture_ShowsTheWindow) {
+    WriteSetting("Tips", "Count", "1");
+    WriteSetting("Tips", "Tip1", "Drop files from your file manager on the list to add them.");
+    WriteSetting("Tips", "ShowAtStartup", "1");
+    TipsWindow window(model);
+    window.show();
+    const QImage image = takePicture(window, "tips.png");
+    EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
+    EXPECT_TRUE(hasContent(image));
 }
 
 }  // namespace
