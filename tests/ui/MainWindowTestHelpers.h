@@ -14,7 +14,9 @@
 
 // Runs action on the first modal window or pop-up menu that comes up, polling
 // the event loop (the window opens inside a nested loop of the code under test).
-inline void WhenModalShows(std::function<void(QWidget*)> action, int timeoutMs = 5000) {
+// The returned handle stops the polling when called.
+using StopPolling = std::function<void()>;
+inline StopPolling WhenModalShows(std::function<void(QWidget*)> action, int timeoutMs = 5000) {
     auto timer = std::make_shared<QElapsedTimer>();
     timer->start();
     auto poll = std::make_shared<std::function<void()>>();
@@ -38,7 +40,12 @@ inline void WhenModalShows(std::function<void(QWidget*)> action, int timeoutMs =
             }
         });
     };
-    QTimer::singleShot(0, [poll] { (*poll)(); });
+    QTimer::singleShot(0, [poll] {
+        if (*poll) {
+            (*poll)();
+        }
+    });
+    return [poll] { *poll = nullptr; };
 }
 
 // The captions of the visible entries of a menu, separators as "-".
