@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
+#include <QLockFile>
 #include <QSaveFile>
 
 #include "app/AppPaths.h"
@@ -114,6 +115,12 @@ struct SectionSpan {
 SectionSpan findSection(const QList<Line>& lines, const QString& section) {
     SectionSpan span;
     for (qsizetype i = 0; i < lines.size(); ++i) {
+        // Only a line that starts with "[" (after blanks or a byte-order mark)
+        // can be a header; the others are passed over without decoding.
+        const QByteArray raw = lines.at(i).text.trimmed();
+        if (!raw.startsWith('[') && !(i == 0 && raw.startsWith("\xEF\xBB\xBF"))) {
+            continue;
+        }
         const QString name = sectionName(lineText(lines, i));
         if (name.isNull()) {
             continue;
@@ -134,6 +141,9 @@ SectionSpan findSection(const QList<Line>& lines, const QString& section) {
 
 qsizetype findKey(const QList<Line>& lines, const SectionSpan& span, const QString& key) {
     for (qsizetype i = span.header + 1; i < span.end; ++i) {
+        if (!lines.at(i).text.contains('=')) {
+            continue;
+        }
         QString name, value;
         if (splitEntry(lineText(lines, i), name, value) && sameName(name, key)) {
             return i;
@@ -212,6 +222,15 @@ short WriteIniValue(QString& section, QString& key, QString& value, QString& fil
     const QString wantedSection = section.trimmed();
     const QString wantedKey = key.trimmed();
     if (!wantedSection.isEmpty() && !wantedKey.isEmpty() && !file.isEmpty()) {
+        // A write reads the whole file and writes it back. Two runs of the
+        // program share the file, so the write holds a lock file beside it
+        // meanwhile: otherwise one run's write could put back the file as it
+        // was before the other's, and that key would be lost. A lock that
+        // cannot be made (a folder that allows no new file) or that is not
+        // free within a few seconds does not stop the write.
+        QLockFile lock(file + QStringLiteral(".lock"));
+        lock.setStaleLockTime(10000);
+        lock.tryLock(5000);
         makeWritable(file);
         QByteArray content;
         bool readable = true;
