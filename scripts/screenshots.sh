@@ -63,3 +63,15 @@ shoot splash      splash.png       0 0
 shoot newlist     newlist.png      1 0
 shoot main        main-window.png  1 1 "$MEDIA"
 shoot contextmenu context-menu.png 1 1 "$MEDIA"
+
+# The other windows. Each window's test sets the window up with example
+# content and, with VELMORA_SCREENSHOT_DIR set, saves its picture there.
+TESTS=$BUILD/bin/test_ui
+if [ -x "$TESTS" ]; then
+    echo "== the other windows -> $OUT"
+    VELMORA_SCREENSHOT_DIR=$OUT \
+    QT_QPA_PLATFORM=xcb \
+        xvfb-run -a -s "-screen 0 1024x768x24" "$TESTS" --gtest_filter='*.Picture_*'
+else
+    echo "no test program at $TESTS; build the target test_ui for the other windows" >&2
+fi
