@@ -196,6 +196,13 @@ TEST_F(TipsWindowTest, RealRandomDraw_StaysWithinTheTips) {
     }
 }
 
+TEST_F(TipsWindowTest, TipOfMoreThan254Characters_IsCut) {
+    WriteSetting("Tips", "Count", "1");
+    WriteSetting("Tips", "Tip1", QString(300, u'a'));
+    TipsWindow window(model);
+    EXPECT_EQ(tipShown(window), QString(254, u'a'));
+}
+
 TEST_F(TipsWindowTest, ShowAtStartup_ReadOnLoadAndWrittenOnClose) {
     WriteSetting("Tips", "ShowAtStartup", "1");
     WriteSetting("Tips", "Tip1", "A");
