@@ -9,10 +9,16 @@
 #include "platform/FileHelpers.h"
 #include "platform/Shell.h"
 #include "ui/AboutWindow.h"
+#include "ui/AddDirectoryBox.h"
 #include "ui/HelpCommands.h"
+#include "ui/ID3Tag.h"
+#include "ui/JoinWizard.h"
+#include "ui/ListInfo.h"
 #include "ui/MainCommands.h"
 #include "ui/MainWindow.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/RemoveWizard.h"
+#include "ui/SortWizard.h"
 #include "ui/TipsWindow.h"
 
 namespace {
@@ -31,6 +37,12 @@ void ShowLastingWindow(MainWindow& window, QPointer<QDialog>& slot) {
         return;
     }
     slot->exec();
+}
+// Shows a window of the list modally; the main window waits for it.
+template <typename Window>
+void ShowModal(MainWindow& window) {
+    Window shown(window.model(), &window);
+    shown.exec();
 }
 }  // namespace
 
@@ -58,7 +70,22 @@ void WireMainCommands(MainWindow& window, MainCommands& c) {
     c.dropFiles = [&model](const QStringList& paths) { AddDroppedFiles(model, paths); };
     c.cancelAdding = [&model] { CancelAdding(model); };
 
-    c.startJoin = [&model] { StartJoin(model); };
+    c.startJoin = [&window, &model] {
+        if (StartJoin(model)) {
+            JoinWizard::RunJoin(model, &window);
+        }
+    };
+
+    c.showAddDirectoryBox = [&window] { ShowModal<AddDirectoryBox>(window); };
+    c.showSortWizard = [&window] { ShowModal<SortWizard>(window); };
+    c.showRemoveWizard = [&window] { ShowModal<RemoveWizard>(window); };
+    c.showListInfo = [&window] { ShowModal<ListInfo>(window); };
+    // The tag editor for the selected row's file; without a file it stays unseen.
+    c.showID3Tag = [&window, &model](const QString& path) {
+        if (!path.isEmpty()) {
+            ID3Tag::ShowFor(model, path, &window);
+        }
+    };
 
     c.showPreferences = [&window] {
         ShowLastingWindow<PreferencesWindow>(window, window.preferencesWindow);
@@ -66,10 +93,7 @@ void WireMainCommands(MainWindow& window, MainCommands& c) {
     c.showTips = [&window] { ShowLastingWindow<TipsWindow>(window, window.tipsWindow); };
     c.showHelpManual = [&model] { HelpManual(model); };
     c.checkForUpdate = [&model] { HelpCheckForUpdate(model); };
-    c.showAbout = [&window] {
-        AboutWindow about(window.model(), &window);
-        about.exec();
-    };
+    c.showAbout = [&window] { ShowModal<AboutWindow>(window); };
 
     // Desktop: the file opens in whatever the user's system has for it. An
     // empty path (no row selected) is handed on as it is and opens nothing.

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
+#include <QMimeData>
 #include <QTest>
+#include <QUrl>
 
 #include "MainWindowTestHelpers.h"
 #include "list/ListFunctions.h"
+#include "support/TestEnvironment.h"
+#include "ui/ListViewControl.h"
 #include "ui/StatusBarControl.h"
 
 namespace {
@@ -146,4 +150,35 @@ TEST(ChangeListType, RealRoutines_YesAndCancelledSave_ClearsAndChangesColumns) {
     EXPECT_EQ(window.model().items.header(3).width, 0);
     EXPECT_EQ(questions.dialogsShown.size(), 1);
     EXPECT_EQ(window.model().state.windowTitle(), title);
+}
+
+TEST(DropFiles, ThreeRealFiles_AddedAsRowsInTheDroppedOrder) {
+    ScriptedQuestions questions;
+    MemoryClipboard clipboard;
+    MainWindow window(questions, clipboard);
+    NewItemList(window.model(), "MP3");
+    window.show();
+    const QString folder = SharedTestDataFolder();
+    const QStringList paths = {folder + "/mimetype-mp3.mp3", folder + "/filetype-fixture.mp3",
+                               folder + "/mimetype-mp3.mp3"};
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(paths[0]), QUrl::fromLocalFile(paths[1]),
+                  QUrl::fromLocalFile(paths[2])});
+    QWidget* viewport = window.listView()->viewport();
+    const QPoint at = viewport->rect().center();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &enter);
+    QDropEvent drop(QPointF(at), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &drop);
+    ItemList& items = window.model().items;
+    ASSERT_EQ(items.count(), 3);
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_EQ(items.cell(i, 3), paths[i - 1]) << i;
+    }
+    EXPECT_EQ(items.cell(2, 0), "filetype-fixture.mp3");
+    EXPECT_EQ(window.model().state.countCaption(), "3");
+    // The adding display is gone again.
+    EXPECT_TRUE(window.findChild<QWidget*>("CancelOverlay")->isHidden());
+    EXPECT_TRUE(window.findChild<QWidget*>("AddFilesProgressBar")->isHidden());
+    EXPECT_EQ(window.statusBarControl()->panel(2)->text(), "");
 }
