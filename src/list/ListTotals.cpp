@@ -19,12 +19,18 @@ bool parseWholeNumber(QStringView text, QStringView group, double& value) {
         return false;
     }
     qint64 number = 0;
+    int digits = 0;
     int digitsInGroup = 0;
     bool grouped = false;
     qsizetype i = 0;
     while (i < text.size()) {
         const QChar c = text.at(i);
         if (c >= u'0' && c <= u'9') {
+            // More than 18 digits may not fit in 64 bits: the general parser
+            // reads those.
+            if (++digits > 18) {
+                return false;
+            }
             number = number * 10 + (c.unicode() - u'0');
             ++digitsInGroup;
             ++i;
@@ -103,6 +109,11 @@ QString FormatKilobytes(double kilobytes, const QLocale& locale) {
     const double rounded = std::round(kilobytes);
     if (rounded == 0 || !std::isfinite(rounded)) {
         return QString();
+    }
+    // Totals beyond 64 bits (cells of a damaged or hand-made list file) are
+    // written out digit by digit all the same.
+    if (std::fabs(rounded) >= 9.0e18) {
+        return locale.toString(rounded, 'f', 0);
     }
     return locale.toString(static_cast<qlonglong>(rounded));
 }
