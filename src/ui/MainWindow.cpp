@@ -60,6 +60,8 @@ MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* pare
     WireMainCommands(*this, commands_);
 
     connect(&model_.state, &ListState::changed, this, &MainWindow::refreshFromState);
+    connect(&model_.state, &ListState::listFocusRequested, listView_,
+            [this] { listView_->setFocus(); });
     client_->installEventFilter(this);
 
     // Load step: panel 1 shows the name and version with a trailing blank; the

@@ -182,3 +182,13 @@ TEST(DropFiles, ThreeRealFiles_AddedAsRowsInTheDroppedOrder) {
     EXPECT_TRUE(window.findChild<QWidget*>("AddFilesProgressBar")->isHidden());
     EXPECT_EQ(window.statusBarControl()->panel(2)->text(), "");
 }
+
+TEST(ListFocus, RequestFromARoutine_GivesTheListViewTheFocus) {
+    WindowFixture f;
+    f.window->show();
+    QApplication::setActiveWindow(f.window.get());
+    f.window->listView()->clearFocus();
+    ASSERT_FALSE(f.window->listView()->hasFocus());
+    f.model().state.requestListFocus();
+    EXPECT_TRUE(f.window->listView()->hasFocus());
+}
