@@ -18,30 +18,52 @@ qt6-base-dev qt6-svg-dev qt6-qpa-plugins libmediainfo-dev mediainfo
 ffmpeg mpgtx vbrfix
 libgtest-dev libgmock-dev libbenchmark-dev
 xvfb xauth fonts-dejavu-core"
+# Wanted for a desktop run (opening files, folders and web pages), not for
+# building or testing: a failure to install it is only reported.
+OPTIONAL=""
 if [ "$MODE" = run ]; then
-    PACKAGES="$PACKAGES xdg-utils"
+    OPTIONAL="xdg-utils"
 fi
 
-missing=""
-for package in $PACKAGES; do
-    if ! dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
-        missing="$missing $package"
-    fi
-done
+missing_of() {
+    for package in "$@"; do
+        if ! dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
+            printf ' %s' "$package"
+        fi
+    done
+}
 
-if [ -n "$missing" ]; then
-    echo "Installing missing packages:$missing"
+# shellcheck disable=SC2086
+missing=$(missing_of $PACKAGES)
+# shellcheck disable=SC2086
+missing_optional=$(missing_of $OPTIONAL)
+
+if [ -n "$missing$missing_optional" ]; then
     if [ "$(id -u)" -eq 0 ]; then
         SUDO=""
     elif command -v sudo >/dev/null 2>&1; then
         SUDO="sudo"
-    else
+    elif [ -n "$missing" ]; then
         echo "These packages are missing and neither root nor sudo is at hand:$missing" >&2
         exit 1
+    else
+        SUDO="none"
     fi
-    $SUDO env DEBIAN_FRONTEND=noninteractive apt-get update
-    # shellcheck disable=SC2086
-    $SUDO env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
+    if [ "$SUDO" != none ]; then
+        APT="$SUDO env DEBIAN_FRONTEND=noninteractive apt-get"
+        if [ -n "$missing" ]; then
+            echo "Installing missing packages:$missing"
+            $APT update
+            # shellcheck disable=SC2086
+            $APT install -y --no-install-recommends $missing
+        fi
+        if [ -n "$missing_optional" ]; then
+            echo "Installing missing packages:$missing_optional"
+            # shellcheck disable=SC2086
+            { [ -n "$missing" ] || $APT update; } && $APT install -y --no-install-recommends $missing_optional ||
+                echo "Could not install$missing_optional: opening files from Velmora may not work." >&2
+        fi
+    fi
 fi
 
 JOBS=$(nproc 2>/dev/null || echo 2)
