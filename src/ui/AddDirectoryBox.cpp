@@ -16,13 +16,9 @@
 #include "list/AddFilesModule.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
+#include "ui/Twips.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 4680;
 constexpr int kInnerHeight = 4305;
 
@@ -48,15 +44,15 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     setObjectName(QStringLiteral("AddDirectoryBox"));
     setWindowTitle(QStringLiteral("Add Directory"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
     lblInfo_ = new QLabel(QStringLiteral("Please, select a drive and folder..."), this);
     lblInfo_->setObjectName(QStringLiteral("lblInfo"));
-    lblInfo_->setGeometry(tw(120, 120, 4440, 255));
+    lblInfo_->setGeometry(Twips::rect(120, 120, 4440, 255));
 
     driveBox_ = new QComboBox(this);
     driveBox_->setObjectName(QStringLiteral("DriveBox"));
-    driveBox_->setGeometry(tw(120, 420, 4440, 315));
+    driveBox_->setGeometry(Twips::rect(120, 420, 4440, 315));
     QStringList roots;
     for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
         if (volume.isValid() && volume.isReady() && IsDirectoryPath(volume.rootPath())) {
@@ -78,7 +74,7 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     folders_->setReadOnly(true);
     dirBox_ = new QTreeView(this);
     dirBox_->setObjectName(QStringLiteral("DirBox"));
-    dirBox_->setGeometry(tw(120, 840, 4440, 2400));
+    dirBox_->setGeometry(Twips::rect(120, 840, 4440, 2400));
     dirBox_->setModel(folders_);
     dirBox_->setHeaderHidden(true);
     for (int column = 1; column < folders_->columnCount(); ++column) {
@@ -107,17 +103,17 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
 
     chkAddSubFolders_ = new QCheckBox(QStringLiteral("Also add subfolders to my list"), this);
     chkAddSubFolders_->setObjectName(QStringLiteral("chkAddSubFolders"));
-    chkAddSubFolders_->setGeometry(tw(120, 3360, 4440, 300));
+    chkAddSubFolders_->setGeometry(Twips::rect(120, 3360, 4440, 300));
 
     cmdOk_ = new QPushButton(QStringLiteral("&Ok"), this);
     cmdOk_->setObjectName(QStringLiteral("cmdOk"));
-    cmdOk_->setGeometry(tw(2520, 3780, 975, 375));
+    cmdOk_->setGeometry(Twips::rect(2520, 3780, 975, 375));
     cmdOk_->setDefault(true);
     connect(cmdOk_, &QPushButton::clicked, this, &AddDirectoryBox::confirm);
 
     cmdCancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
-    cmdCancel_->setGeometry(tw(3600, 3780, 975, 375));
+    cmdCancel_->setGeometry(Twips::rect(3600, 3780, 975, 375));
     cmdCancel_->setAutoDefault(false);
     connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
 

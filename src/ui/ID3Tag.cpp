@@ -10,13 +10,9 @@
 #include "list/MainModel.h"
 #include "media/GenreComboTarget.h"
 #include "media/ID3Reader.h"
+#include "ui/Twips.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 5400;
 constexpr int kInnerHeight = 6165;
 constexpr int kFieldLeft = 1200;
@@ -26,12 +22,12 @@ ID3Tag::ID3Tag(MainModel& model, QWidget* parent) : QDialog(parent), model_(mode
     setObjectName(QStringLiteral("ID3Tag"));
     setWindowTitle(QStringLiteral("ID3 Tag Editor"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
     txtFilename_ = new QLineEdit(this);
     txtFilename_->setObjectName(QStringLiteral("txtFilename"));
     txtFilename_->setReadOnly(true);
-    txtFilename_->setGeometry(tw(120, 120, 5160, 315));
+    txtFilename_->setGeometry(Twips::rect(120, 120, 5160, 315));
 
     // The labels of the fields: the control array lblFields, 0 to 5.
     const QStringList labels = {QStringLiteral("Title"), QStringLiteral("Artist"),
@@ -41,14 +37,14 @@ ID3Tag::ID3Tag(MainModel& model, QWidget* parent) : QDialog(parent), model_(mode
         auto* label = new QLabel(labels[i], this);
         label->setObjectName(QStringLiteral("lblFields"));
         label->setProperty("index", i);
-        label->setGeometry(tw(120, 600 + i * 390, 1000, 315));
+        label->setGeometry(Twips::rect(120, 600 + i * 390, 1000, 315));
     }
 
     auto field = [this](const char* name, int row, int width, int limit) {
         auto* edit = new QLineEdit(this);
         edit->setObjectName(QString::fromLatin1(name));
         edit->setMaxLength(limit);
-        edit->setGeometry(tw(kFieldLeft, 600 + row * 390, width, 315));
+        edit->setGeometry(Twips::rect(kFieldLeft, 600 + row * 390, width, 315));
         return edit;
     };
     txtTitle_ = field("txtTitle", 0, 4080, 30);
@@ -60,34 +56,34 @@ ID3Tag::ID3Tag(MainModel& model, QWidget* parent) : QDialog(parent), model_(mode
     cboGenre_->setObjectName(QStringLiteral("cboGenre"));
     cboGenre_->setEditable(false);
     cboGenre_->setMaxVisibleItems(16);
-    cboGenre_->setGeometry(tw(kFieldLeft, 600 + 4 * 390, 2520, 315));
+    cboGenre_->setGeometry(Twips::rect(kFieldLeft, 600 + 4 * 390, 2520, 315));
 
     txtComment_ = field("txtComment", 5, 4080, 30);
 
     frame1_ = new QGroupBox(QStringLiteral("MPEG Info"), this);
     frame1_->setObjectName(QStringLiteral("Frame1"));
-    frame1_->setGeometry(tw(120, 2985, 5160, 2565));
+    frame1_->setGeometry(Twips::rect(120, 2985, 5160, 2565));
     lblInfo_ = new QLabel(frame1_);
     lblInfo_->setObjectName(QStringLiteral("lblInfo"));
     lblInfo_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    lblInfo_->setGeometry(tw(120, 300, 4920, 2160));
+    lblInfo_->setGeometry(Twips::rect(120, 300, 4920, 2160));
 
     cmdRemove_ = new QPushButton(QStringLiteral("&Remove Tag"), this);
     cmdRemove_->setObjectName(QStringLiteral("cmdRemove"));
     cmdRemove_->setAutoDefault(false);
-    cmdRemove_->setGeometry(tw(120, 5670, 1335, 375));
+    cmdRemove_->setGeometry(Twips::rect(120, 5670, 1335, 375));
     connect(cmdRemove_, &QPushButton::clicked, this, &ID3Tag::RemoveTag);
 
     cmdSave_ = new QPushButton(QStringLiteral("&Save"), this);
     cmdSave_->setObjectName(QStringLiteral("cmdSave"));
     cmdSave_->setDefault(true);  // the Enter key saves
-    cmdSave_->setGeometry(tw(3180, 5670, 975, 375));
+    cmdSave_->setGeometry(Twips::rect(3180, 5670, 975, 375));
     connect(cmdSave_, &QPushButton::clicked, this, &ID3Tag::Save);
 
     cmdCancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
     cmdCancel_->setAutoDefault(false);
-    cmdCancel_->setGeometry(tw(4305, 5670, 975, 375));
+    cmdCancel_->setGeometry(Twips::rect(4305, 5670, 975, 375));
     connect(cmdCancel_, &QPushButton::clicked, this, &ID3Tag::Cancel);
 
     setTabOrder(txtFilename_, txtTitle_);

@@ -15,13 +15,10 @@
 #include "join/JoinWizardState.h"
 #include "list/MainModel.h"
 #include "ui/ID3Tag.h"
+#include "ui/Twips.h"
+#include "ui/WindowHeader.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 // The bar's own range: the run's value and maximum are shown as a fraction.
 constexpr int kBarRange = 10000;
 }  // namespace
@@ -45,83 +42,66 @@ JoinWizard::JoinWizard(MainModel& model, QWidget* parent)
     setObjectName(QStringLiteral("JoinWizard"));
     setModal(true);
     setFixedSize(
-        tw(0, 0, JoinWizardState::kInnerWidthTwips, JoinWizardState::kInnerHeightTwips).size());
+        Twips::rect(0, 0, JoinWizardState::kInnerWidthTwips, JoinWizardState::kInnerHeightTwips)
+            .size());
     QFont font(FontFamily());
     font.setPointSize(8);
     setFont(font);
 
-    auto* headerBackground = new QLabel(this);
-    headerBackground->setObjectName(QStringLiteral("HeaderBackground"));
-    headerBackground->setAutoFillBackground(true);
-    QPalette white = headerBackground->palette();
-    white.setColor(QPalette::Window, Qt::white);
-    headerBackground->setPalette(white);
-    headerBackground->setGeometry(tw(0, 0, 6375, 735));
-
-    auto* headerImage = new QLabel(this);
-    headerImage->setObjectName(QStringLiteral("HeaderImage"));
-    headerImage->setPixmap(style()->standardIcon(QStyle::SP_MediaSeekForward).pixmap(32));
-    headerImage->setGeometry(tw(240, 120, 480, 480));
-
-    headerText_ = new QLabel(this);
-    headerText_->setObjectName(QStringLiteral("HeaderText"));
-    QFont bold = font;
-    bold.setBold(true);
-    headerText_->setFont(bold);
-    headerText_->setGeometry(tw(1080, 120, 3420, 240));
-
-    headerSubText_ = new QLabel(this);
-    headerSubText_->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText_->setGeometry(tw(1080, 360, 3420, 255));
+    const WindowHeader::Labels header = WindowHeader::build(
+        this, 6375, style()->standardIcon(QStyle::SP_MediaSeekForward).pixmap(32), QString(),
+        QString(), 3420, font);
+    headerText_ = header.text;
+    headerSubText_ = header.subText;
 
     frame1_ = new QGroupBox(this);
     frame1_->setObjectName(QStringLiteral("Frame1"));
-    frame1_->setGeometry(tw(120, 780, 4455, 915));
+    frame1_->setGeometry(Twips::rect(120, 780, 4455, 915));
 
     auto* image1 = new QLabel(frame1_);
     image1->setObjectName(QStringLiteral("Image1"));
     image1->setPixmap(style()->standardIcon(QStyle::SP_DriveHDIcon).pixmap(32));
-    image1->setGeometry(tw(120, 240, 480, 480));
+    image1->setGeometry(Twips::rect(120, 240, 480, 480));
 
     elapsedTime_ = new QLabel(frame1_);
     elapsedTime_->setObjectName(QStringLiteral("ElapsedTime"));
-    elapsedTime_->setGeometry(tw(720, 240, 1815, 240));
+    elapsedTime_->setGeometry(Twips::rect(720, 240, 1815, 240));
     elapsedTimeLabel_ = new QLabel(frame1_);
     elapsedTimeLabel_->setObjectName(QStringLiteral("ElapsedTimeLabel"));
-    elapsedTimeLabel_->setGeometry(tw(2640, 240, 1620, 240));
+    elapsedTimeLabel_->setGeometry(Twips::rect(2640, 240, 1620, 240));
     writtenSize_ = new QLabel(frame1_);
     writtenSize_->setObjectName(QStringLiteral("WrittenSize"));
-    writtenSize_->setGeometry(tw(720, 480, 1830, 240));
+    writtenSize_->setGeometry(Twips::rect(720, 480, 1830, 240));
     writtenSizeLabel_ = new QLabel(frame1_);
     writtenSizeLabel_->setObjectName(QStringLiteral("WrittenSizeLabel"));
-    writtenSizeLabel_->setGeometry(tw(2640, 480, 1620, 240));
+    writtenSizeLabel_->setGeometry(Twips::rect(2640, 480, 1620, 240));
 
     lblOperation_ = new QLabel(this);
     lblOperation_->setObjectName(QStringLiteral("lblOperation"));
-    lblOperation_->setGeometry(tw(120, 1800, 1395, 195));
+    lblOperation_->setGeometry(Twips::rect(120, 1800, 1395, 195));
 
     progressBar_ = new QProgressBar(this);
     progressBar_->setObjectName(QStringLiteral("ProgressBar"));
-    progressBar_->setGeometry(tw(120, 2040, 4455, 255));
+    progressBar_->setGeometry(Twips::rect(120, 2040, 4455, 255));
     progressBar_->setRange(0, kBarRange);
     progressBar_->setTextVisible(false);
 
     cancelButton_ = new QPushButton(this);
     cancelButton_->setObjectName(QStringLiteral("CancelButton"));
-    cancelButton_->setGeometry(tw(1313, 2400, 975, 375));
+    cancelButton_->setGeometry(Twips::rect(1313, 2400, 975, 375));
     cancelButton_->setAutoDefault(false);
     connect(cancelButton_, &QPushButton::clicked, this, [this] { run_->cancelClicked(); });
 
     optionsButton_ = new QPushButton(this);
     optionsButton_->setObjectName(QStringLiteral("OptionsButton"));
-    optionsButton_->setGeometry(tw(2393, 2400, 975, 375));
+    optionsButton_->setGeometry(Twips::rect(2393, 2400, 975, 375));
     optionsButton_->setAutoDefault(false);
     connect(optionsButton_, &QPushButton::clicked, this, &JoinWizard::ShowOptionsMenu);
 
     // Ford lies below the visible area; it only takes the focus.
     ford_ = new QPushButton(QStringLiteral("Mondeo (UI)"), this);
     ford_->setObjectName(QStringLiteral("Ford"));
-    ford_->setGeometry(tw(240, 3840, 1095, 375));
+    ford_->setGeometry(Twips::rect(240, 3840, 1095, 375));
     ford_->setAutoDefault(false);
 
     optionsMenu_ = new QMenu(state_->optionsButtonCaption(), this);

@@ -5,13 +5,9 @@
 #include <QTreeWidget>
 
 #include "list/MainModel.h"
+#include "ui/Twips.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 4440;
 constexpr int kInnerHeight = 3735;
 }  // namespace
@@ -20,11 +16,11 @@ ListInfo::ListInfo(MainModel& model, QWidget* parent) : QDialog(parent), model_(
     setObjectName(QStringLiteral("ListInfo"));
     setWindowTitle(QStringLiteral("List Info"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
     listView_ = new QTreeWidget(this);
     listView_->setObjectName(QStringLiteral("ListView"));
-    listView_->setGeometry(tw(120, 120, 4200, 2985));
+    listView_->setGeometry(Twips::rect(120, 120, 4200, 2985));
     listView_->setRootIsDecorated(false);
     listView_->setColumnCount(2);
     listView_->setHeaderLabels({QStringLiteral("Item"), QStringLiteral("Value")});
@@ -42,13 +38,13 @@ ListInfo::ListInfo(MainModel& model, QWidget* parent) : QDialog(parent), model_(
     auto* copyButton = new QPushButton(QStringLiteral("C&opy"), this);
     copyButton->setObjectName(QStringLiteral("CopyButton"));
     copyButton->setAutoDefault(false);
-    copyButton->setGeometry(tw(2145, 3240, 975, 375));
+    copyButton->setGeometry(Twips::rect(2145, 3240, 975, 375));
     connect(copyButton, &QPushButton::clicked, this, &ListInfo::Copy);
 
     auto* closeButton = new QPushButton(QStringLiteral("&Close"), this);
     closeButton->setObjectName(QStringLiteral("CloseButton"));
     closeButton->setDefault(true);
-    closeButton->setGeometry(tw(3345, 3240, 975, 375));
+    closeButton->setGeometry(Twips::rect(3345, 3240, 975, 375));
     connect(closeButton, &QPushButton::clicked, this, &QDialog::reject);
 
     setTabOrder(listView_, copyButton);

@@ -11,14 +11,11 @@
 
 #include "app/WindowSettings.h"
 #include "list/MainModel.h"
+#include "ui/Twips.h"
+#include "ui/WindowHeader.h"
 
 namespace {
 // Window lengths are laid out in twips, 15 to a pixel.
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 4680;
 constexpr int kInnerHeight = 3360;
 
@@ -47,69 +44,51 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     setObjectName(QStringLiteral("PreferencesWindow"));
     setWindowTitle(QStringLiteral("Preferences"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
-    auto* headerBackground = new QLabel(this);
-    headerBackground->setObjectName(QStringLiteral("HeaderBackground"));
-    headerBackground->setAutoFillBackground(true);
-    QPalette white = headerBackground->palette();
-    white.setColor(QPalette::Window, Qt::white);
-    headerBackground->setPalette(white);
-    headerBackground->setGeometry(tw(0, 0, kInnerWidth, 735));
-
-    auto* headerImage = new QLabel(this);
-    headerImage->setObjectName(QStringLiteral("HeaderImage"));
-    headerImage->setPixmap(style()->standardIcon(QStyle::SP_FileDialogDetailedView).pixmap(32));
-    headerImage->setGeometry(tw(240, 120, 480, 480));
-
-    headerText_ = new QLabel(QStringLiteral("Preferences"), this);
-    headerText_->setObjectName(QStringLiteral("HeaderText"));
-    QFont bold = headerText_->font();
-    bold.setBold(true);
-    headerText_->setFont(bold);
-    headerText_->setGeometry(tw(1080, 120, kInnerWidth - 1200, 240));
-
-    headerSubText_ =
-        new QLabel(QStringLiteral("Use this dialog to edit program settings..."), this);
-    headerSubText_->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText_->setGeometry(tw(1080, 360, kInnerWidth - 1200, 255));
+    const WindowHeader::Labels header = WindowHeader::build(
+        this, kInnerWidth, style()->standardIcon(QStyle::SP_FileDialogDetailedView).pixmap(32),
+        QStringLiteral("Preferences"),
+        QStringLiteral("Use this dialog to edit program settings..."), kInnerWidth - 1200);
+    headerText_ = header.text;
+    headerSubText_ = header.subText;
 
     newListFrame_ = new QGroupBox(this);
     newListFrame_->setObjectName(QStringLiteral("NewListFrame"));
-    newListFrame_->setGeometry(tw(120, 840, 4455, 1860));
+    newListFrame_->setGeometry(Twips::rect(120, 840, 4455, 1860));
 
     doNotShowSplash_ =
         new QCheckBox(QStringLiteral("Do not show 'Splashscreen' at startup"), newListFrame_);
     doNotShowSplash_->setObjectName(QStringLiteral("DoNotShowSplashscreenAtStartup"));
-    doNotShowSplash_->setGeometry(tw(240, 240, 4000, 300));
+    doNotShowSplash_->setGeometry(Twips::rect(240, 240, 4000, 300));
 
     doNotShowNewList_ =
         new QCheckBox(QStringLiteral("Do not show 'New List' dialog at startup"), newListFrame_);
     doNotShowNewList_->setObjectName(QStringLiteral("DoNotShowNewListDialogAtStartup"));
-    doNotShowNewList_->setGeometry(tw(240, 600, 4000, 300));
+    doNotShowNewList_->setGeometry(Twips::rect(240, 600, 4000, 300));
 
     auto* label1 = new QLabel(QStringLiteral("Default List Type:"), newListFrame_);
     label1->setObjectName(QStringLiteral("Label1"));
-    label1->setGeometry(tw(240, 1080, 1700, 300));
+    label1->setGeometry(Twips::rect(240, 1080, 1700, 300));
 
     typeMp3_ = new QRadioButton(QStringLiteral("MP3"), newListFrame_);
     typeMp3_->setObjectName(QStringLiteral("DefaultListTypeMP3"));
-    typeMp3_->setGeometry(tw(2040, 1080, 1000, 300));
+    typeMp3_->setGeometry(Twips::rect(2040, 1080, 1000, 300));
     typeMp3_->setChecked(true);
 
     typeMpeg_ = new QRadioButton(QStringLiteral("MPEG"), newListFrame_);
     typeMpeg_->setObjectName(QStringLiteral("DefaultListTypeMPEG"));
-    typeMpeg_->setGeometry(tw(3120, 1080, 1100, 300));
+    typeMpeg_->setGeometry(Twips::rect(3120, 1080, 1100, 300));
 
     closeButton_ = new QPushButton(QStringLiteral("&Close"), this);
     closeButton_->setObjectName(QStringLiteral("CloseButton"));
-    closeButton_->setGeometry(tw(3600, 2850, 975, 375));
+    closeButton_->setGeometry(Twips::rect(3600, 2850, 975, 375));
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
 
     // Ford lies below the visible area; it only takes the focus.
     ford_ = new QPushButton(QStringLiteral("Focus"), this);
     ford_->setObjectName(QStringLiteral("Ford"));
-    ford_->setGeometry(tw(240, kInnerHeight + 480, 1095, 375));
+    ford_->setGeometry(Twips::rect(240, kInnerHeight + 480, 1095, 375));
     ford_->setAutoDefault(false);
 
     setTabOrder(ford_, doNotShowSplash_);

@@ -11,13 +11,10 @@
 
 #include "list/MainModel.h"
 #include "list/RemoveByValue.h"
+#include "ui/Twips.h"
+#include "ui/WindowHeader.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 4680;
 constexpr int kInnerHeight = 4200;
 }  // namespace
@@ -26,66 +23,46 @@ RemoveWizard::RemoveWizard(MainModel& model, QWidget* parent) : QDialog(parent),
     setObjectName(QStringLiteral("RemoveWizard"));
     setWindowTitle(QStringLiteral("Remove Wizard"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
-    auto* headerBackground = new QLabel(this);
-    headerBackground->setObjectName(QStringLiteral("HeaderBackground"));
-    headerBackground->setAutoFillBackground(true);
-    QPalette white = headerBackground->palette();
-    white.setColor(QPalette::Window, Qt::white);
-    headerBackground->setPalette(white);
-    headerBackground->setGeometry(tw(0, 0, kInnerWidth, 735));
-
-    auto* headerImage = new QLabel(this);
-    headerImage->setObjectName(QStringLiteral("HeaderImage"));
-    headerImage->setPixmap(style()->standardIcon(QStyle::SP_TrashIcon).pixmap(32));
-    headerImage->setGeometry(tw(240, 120, 480, 480));
-
-    auto* headerText = new QLabel(QStringLiteral("Remove Wizard"), this);
-    headerText->setObjectName(QStringLiteral("HeaderText"));
-    QFont bold = headerText->font();
-    bold.setBold(true);
-    headerText->setFont(bold);
-    headerText->setGeometry(tw(1080, 120, 3420, 240));
-
-    auto* headerSubText = new QLabel(QStringLiteral("Remove unwanted files..."), this);
-    headerSubText->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText->setGeometry(tw(1080, 360, 3420, 255));
+    WindowHeader::build(this, kInnerWidth, style()->standardIcon(QStyle::SP_TrashIcon).pixmap(32),
+                        QStringLiteral("Remove Wizard"),
+                        QStringLiteral("Remove unwanted files..."));
 
     auto* infoLabel1 = new QLabel(QStringLiteral("Get values from the following column:"), this);
     infoLabel1->setObjectName(QStringLiteral("InfoLabel1"));
-    infoLabel1->setGeometry(tw(240, 900, 4200, 255));
+    infoLabel1->setGeometry(Twips::rect(240, 900, 4200, 255));
 
     columnToCheck_ = new QComboBox(this);
     columnToCheck_->setObjectName(QStringLiteral("ColumnToCheck"));
     columnToCheck_->setEditable(false);
-    columnToCheck_->setGeometry(tw(240, 1170, 4200, 330));
+    columnToCheck_->setGeometry(Twips::rect(240, 1170, 4200, 330));
 
     auto* infoLabel2 = new QLabel(QStringLiteral("Check rows for the following value:"), this);
     infoLabel2->setObjectName(QStringLiteral("InfoLabel2"));
-    infoLabel2->setGeometry(tw(240, 1620, 4200, 255));
+    infoLabel2->setGeometry(Twips::rect(240, 1620, 4200, 255));
 
     valueToCheck_ = new QComboBox(this);
     valueToCheck_->setObjectName(QStringLiteral("ValueToCheck"));
     valueToCheck_->setEditable(false);
-    valueToCheck_->setGeometry(tw(240, 1890, 4200, 330));
+    valueToCheck_->setGeometry(Twips::rect(240, 1890, 4200, 330));
 
     auto* infoLabel3 = new QLabel(QStringLiteral("Action to apply on matching-rows:"), this);
     infoLabel3->setObjectName(QStringLiteral("InfoLabel3"));
-    infoLabel3->setGeometry(tw(240, 2340, 4200, 255));
+    infoLabel3->setGeometry(Twips::rect(240, 2340, 4200, 255));
 
     removeMatchingRows_ = new QRadioButton(QStringLiteral("Remove Rows"), this);
     removeMatchingRows_->setObjectName(QStringLiteral("RemoveMatchingRows"));
-    removeMatchingRows_->setGeometry(tw(240, 2610, 1935, 300));
+    removeMatchingRows_->setGeometry(Twips::rect(240, 2610, 1935, 300));
 
     keepMatchingRows_ = new QRadioButton(QStringLiteral("Keep Rows"), this);
     keepMatchingRows_->setObjectName(QStringLiteral("KeepMatchingRows"));
-    keepMatchingRows_->setGeometry(tw(2280, 2610, 1935, 300));
+    keepMatchingRows_->setGeometry(Twips::rect(2280, 2610, 1935, 300));
     keepMatchingRows_->setChecked(true);
 
     progressBar_ = new QProgressBar(this);
     progressBar_->setObjectName(QStringLiteral("ProgressBar"));
-    progressBar_->setGeometry(tw(240, 3060, 4200, 255));
+    progressBar_->setGeometry(Twips::rect(240, 3060, 4200, 255));
     progressBar_->setTextVisible(false);
     progressBar_->setRange(0, 0);
     progressBar_->setValue(0);
@@ -94,13 +71,13 @@ RemoveWizard::RemoveWizard(MainModel& model, QWidget* parent) : QDialog(parent),
     finishButton_ = new QPushButton(QStringLiteral("&Finish"), this);
     finishButton_->setObjectName(QStringLiteral("FinishButton"));
     finishButton_->setDefault(true);
-    finishButton_->setGeometry(tw(2505, 3645, 975, 375));
+    finishButton_->setGeometry(Twips::rect(2505, 3645, 975, 375));
     connect(finishButton_, &QPushButton::clicked, this, &RemoveWizard::Finish);
 
     cancelButton_ = new QPushButton(QStringLiteral("&Cancel"), this);
     cancelButton_->setObjectName(QStringLiteral("CancelButton"));
     cancelButton_->setAutoDefault(false);
-    cancelButton_->setGeometry(tw(3585, 3645, 975, 375));
+    cancelButton_->setGeometry(Twips::rect(3585, 3645, 975, 375));
     connect(cancelButton_, &QPushButton::clicked, this, &RemoveWizard::Cancel);
 
     setTabOrder(columnToCheck_, valueToCheck_);

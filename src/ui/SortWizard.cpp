@@ -9,13 +9,10 @@
 
 #include "list/MainModel.h"
 #include "list/SortList.h"
+#include "ui/Twips.h"
+#include "ui/WindowHeader.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 4680;
 constexpr int kInnerHeight = 3075;
 }  // namespace
@@ -24,60 +21,40 @@ SortWizard::SortWizard(MainModel& model, QWidget* parent) : QDialog(parent), mod
     setObjectName(QStringLiteral("SortWizard"));
     setWindowTitle(QStringLiteral("Sort Wizard"));
     setModal(true);
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
-    auto* headerBackground = new QLabel(this);
-    headerBackground->setObjectName(QStringLiteral("HeaderBackground"));
-    headerBackground->setAutoFillBackground(true);
-    QPalette white = headerBackground->palette();
-    white.setColor(QPalette::Window, Qt::white);
-    headerBackground->setPalette(white);
-    headerBackground->setGeometry(tw(0, 0, kInnerWidth, 735));
-
-    auto* headerImage = new QLabel(this);
-    headerImage->setObjectName(QStringLiteral("HeaderImage"));
-    headerImage->setPixmap(style()->standardIcon(QStyle::SP_FileDialogListView).pixmap(32));
-    headerImage->setGeometry(tw(240, 120, 480, 480));
-
-    auto* headerText = new QLabel(QStringLiteral("Sort Wizard"), this);
-    headerText->setObjectName(QStringLiteral("HeaderText"));
-    QFont bold = headerText->font();
-    bold.setBold(true);
-    headerText->setFont(bold);
-    headerText->setGeometry(tw(1080, 120, 3420, 240));
-
-    auto* headerSubText = new QLabel(QStringLiteral("Use this wizard to sort your list..."), this);
-    headerSubText->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText->setGeometry(tw(1080, 360, 3420, 255));
+    WindowHeader::build(
+        this, kInnerWidth, style()->standardIcon(QStyle::SP_FileDialogListView).pixmap(32),
+        QStringLiteral("Sort Wizard"), QStringLiteral("Use this wizard to sort your list..."));
 
     auto* infoLabel1 = new QLabel(QStringLiteral("On which column would you like to sort?"), this);
     infoLabel1->setObjectName(QStringLiteral("InfoLabel1"));
-    infoLabel1->setGeometry(tw(240, 900, 4200, 255));
+    infoLabel1->setGeometry(Twips::rect(240, 900, 4200, 255));
 
     sortField_ = new QComboBox(this);
     sortField_->setObjectName(QStringLiteral("SortField"));
     sortField_->setEditable(false);
-    sortField_->setGeometry(tw(240, 1170, 4200, 330));
+    sortField_->setGeometry(Twips::rect(240, 1170, 4200, 330));
 
     auto* infoLabel2 = new QLabel(QStringLiteral("How would you like to sort this column?"), this);
     infoLabel2->setObjectName(QStringLiteral("InfoLabel2"));
-    infoLabel2->setGeometry(tw(240, 1620, 4200, 255));
+    infoLabel2->setGeometry(Twips::rect(240, 1620, 4200, 255));
 
     sortMethod_ = new QComboBox(this);
     sortMethod_->setObjectName(QStringLiteral("SortMethod"));
     sortMethod_->setEditable(false);
-    sortMethod_->setGeometry(tw(240, 1890, 4200, 330));
+    sortMethod_->setGeometry(Twips::rect(240, 1890, 4200, 330));
 
     auto* sortButton = new QPushButton(QStringLiteral("&Sort List"), this);
     sortButton->setObjectName(QStringLiteral("SortButton"));
     sortButton->setDefault(true);  // the Enter key sorts
-    sortButton->setGeometry(tw(2280, 2520, 1215, 375));
+    sortButton->setGeometry(Twips::rect(2280, 2520, 1215, 375));
     connect(sortButton, &QPushButton::clicked, this, &SortWizard::Sort);
 
     auto* cancelButton = new QPushButton(QStringLiteral("&Cancel"), this);
     cancelButton->setObjectName(QStringLiteral("CancelButton"));
     cancelButton->setAutoDefault(false);
-    cancelButton->setGeometry(tw(3585, 2520, 975, 375));
+    cancelButton->setGeometry(Twips::rect(3585, 2520, 975, 375));
     connect(cancelButton, &QPushButton::clicked, this, &QDialog::reject);
 
     setTabOrder(sortField_, sortMethod_);

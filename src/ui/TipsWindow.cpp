@@ -14,13 +14,10 @@
 #include "app/IniFile.h"
 #include "app/WindowSettings.h"
 #include "list/MainModel.h"
+#include "ui/Twips.h"
+#include "ui/WindowHeader.h"
 
 namespace {
-QRect tw(int left, int top, int width, int height) {
-    return QRect(qRound(left / 15.0), qRound(top / 15.0), qRound(width / 15.0),
-                 qRound(height / 15.0));
-}
-
 constexpr int kInnerWidth = 5400;
 constexpr int kInnerHeight = 3240;
 
@@ -54,49 +51,29 @@ QString errorText() {
 TipsWindow::TipsWindow(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("TipsWindow"));
     setWindowTitle(QStringLiteral("Tip of the day"));
-    setFixedSize(tw(0, 0, kInnerWidth, kInnerHeight).size());
+    setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 
-    auto* headerBackground = new QLabel(this);
-    headerBackground->setObjectName(QStringLiteral("HeaderBackground"));
-    headerBackground->setAutoFillBackground(true);
-    QPalette white = headerBackground->palette();
-    white.setColor(QPalette::Window, Qt::white);
-    headerBackground->setPalette(white);
-    headerBackground->setGeometry(tw(0, 0, kInnerWidth, 735));
-
-    auto* headerImage = new QLabel(this);
-    headerImage->setObjectName(QStringLiteral("HeaderImage"));
-    headerImage->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxInformation).pixmap(32));
-    headerImage->setGeometry(tw(240, 120, 480, 480));
-
-    auto* headerText = new QLabel(QStringLiteral("Tip of the day"), this);
-    headerText->setObjectName(QStringLiteral("HeaderText"));
-    QFont bold = headerText->font();
-    bold.setBold(true);
-    headerText->setFont(bold);
-    headerText->setGeometry(tw(1080, 120, 4140, 240));
-
-    auto* headerSubText = new QLabel(QStringLiteral("Did you know that..."), this);
-    headerSubText->setObjectName(QStringLiteral("HeaderSubText"));
-    headerSubText->setGeometry(tw(1080, 360, 4140, 255));
+    WindowHeader::build(
+        this, kInnerWidth, style()->standardIcon(QStyle::SP_MessageBoxInformation).pixmap(32),
+        QStringLiteral("Tip of the day"), QStringLiteral("Did you know that..."), 4140);
 
     tipText_ = new QPlainTextEdit(this);
     tipText_->setObjectName(QStringLiteral("TipText"));
     tipText_->setReadOnly(true);
-    tipText_->setGeometry(tw(120, 855, 5160, 1665));
+    tipText_->setGeometry(Twips::rect(120, 855, 5160, 1665));
 
     showAtStartup_ = new QCheckBox(QStringLiteral("&Show at startup"), this);
     showAtStartup_->setObjectName(QStringLiteral("ShowAtStartup"));
-    showAtStartup_->setGeometry(tw(120, 2700, 2055, 300));
+    showAtStartup_->setGeometry(Twips::rect(120, 2700, 2055, 300));
 
     nextTipButton_ = new QPushButton(QStringLiteral("&Next"), this);
     nextTipButton_->setObjectName(QStringLiteral("NextTipButton"));
-    nextTipButton_->setGeometry(tw(3180, 2640, 975, 375));
+    nextTipButton_->setGeometry(Twips::rect(3180, 2640, 975, 375));
     connect(nextTipButton_, &QPushButton::clicked, this, &TipsWindow::NextTip);
 
     closeButton_ = new QPushButton(QStringLiteral("&Close"), this);
     closeButton_->setObjectName(QStringLiteral("CloseButton"));
-    closeButton_->setGeometry(tw(4260, 2640, 975, 375));
+    closeButton_->setGeometry(Twips::rect(4260, 2640, 975, 375));
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
 
     setTabOrder(tipText_, showAtStartup_);
