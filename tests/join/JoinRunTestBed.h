@@ -19,6 +19,7 @@
 #include "join/JoinRun.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
+#include "join/TestFolders.h"
 #include "list/MainModel.h"
 #include "platform/ProcessKiller.h"
 #include "support/MemoryClipboard.h"
@@ -29,14 +30,10 @@ class JoinRunTestBed {
 public:
     explicit JoinRunTestBed(const QString& appDataName = QStringLiteral("Velmora & Co")) {
         PrepareTestEnvironment();
-        appData = dir.path() + u'/' + appDataName;
-        install = dir.path() + QStringLiteral("/install");
-        media = dir.path() + QStringLiteral("/media");
-        QDir().mkpath(appData);
-        QDir().mkpath(install);
-        QDir().mkpath(media);
-        SetAppDataFolder(appData);
-        SetInstallFolderOverride(install);
+        const TestFolders folders = MakeTestFolders(dir.path(), appDataName);
+        appData = folders.appData;
+        install = folders.install;
+        media = folders.media;
         // Only processes of this test's own folders may be ended by name, so
         // that tests running beside this one keep theirs.
         const QString root = dir.path() + u'/';
@@ -47,8 +44,7 @@ public:
         run.reset();
         StopLogging();
         setProcessKillFilter(previousFilter);
-        SetInstallFolderOverride(QString());
-        SetAppDataFolder(QString());
+        ClearTestFolders();
     }
 
     // The real tools under the names they have in an install folder.

@@ -11,6 +11,7 @@
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "join/TestFolders.h"
 #include "list/MainModel.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
@@ -26,19 +27,14 @@ public:
     // appDataName: the per-user folder's name inside the temporary folder.
     explicit ScriptTestBed(const QString& appDataName = QStringLiteral("App Data & Co")) {
         PrepareTestEnvironment();
-        appData = dir.path() + u'/' + appDataName;
-        install = dir.path() + QStringLiteral("/install");
-        media = dir.path() + QStringLiteral("/media");
-        QDir().mkpath(appData);
-        QDir().mkpath(install);
-        QDir().mkpath(media);
-        SetAppDataFolder(appData);
-        SetInstallFolderOverride(install);
+        const TestFolders folders = MakeTestFolders(dir.path(), appDataName);
+        appData = folders.appData;
+        install = folders.install;
+        media = folders.media;
     }
     ~ScriptTestBed() {
         StopLogging();
-        SetInstallFolderOverride(QString());
-        SetAppDataFolder(QString());
+        ClearTestFolders();
     }
 
     // Puts small stand-ins for the three tools into the install folder.
