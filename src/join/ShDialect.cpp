@@ -61,8 +61,10 @@ QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
 // the first file's header, which gives that file's length only. So the MPEG-2
 // tool then copies the fixer's result (or the raw join where there is none)
 // into OutputFile as a new stream, whose header it writes from the frames it
-// has copied. The fixer leaves work files in its working folder, so it runs in
-// a scratch folder that is removed behind it.
+// has copied. Only the audio is copied, with no tag of any kind: the joined
+// file is not the first file, so it must not carry that file's title or
+// picture. The fixer leaves work files in its working folder, so it runs in a
+// scratch folder that is removed behind it.
 QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
     const QString fixed = quote(childPath(fix.scratchFolder, QStringLiteral("Fixed.mp3")));
     const QString scratch = quote(fix.scratchFolder);
@@ -77,7 +79,9 @@ QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
                  QStringLiteral(" ] && source=") + fixed;
     lines << QStringLiteral("[ -f ") + quote(fix.scriptPath) + QStringLiteral(" ] && ") +
                  quote(fix.remuxTool) +
-                 QStringLiteral(" -nostdin -i \"$source\" -c copy -f mp3 -y ") +
+                 QStringLiteral(
+                     " -nostdin -i \"$source\" -map 0:a -map_metadata -1 "
+                     "-id3v2_version 0 -c copy -f mp3 -y ") +
                  quote(fix.outputFile) + kNoInput;
     lines << QStringLiteral("rm -rf ") + scratch + kNoInput;
     return lines;

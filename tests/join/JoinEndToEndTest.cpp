@@ -136,8 +136,15 @@ protected:
         EXPECT_EQ(processesIn(bed.dir.path()), QList<qint64>());
     }
 
-    QString makeMp3(const QString& name, double seconds, int vbrQuality, int hz) {
+    QString makeMp3(const QString& name, double seconds, int vbrQuality, int hz,
+                    bool tagged = false) {
         Mp3Options options;
+        options.id3v1 = tagged;
+        options.id3v2 = tagged;
+        if (tagged) {
+            options.metadata = {{QStringLiteral("title"), QStringLiteral("First Song")},
+                                {QStringLiteral("artist"), QStringLiteral("First Band")}};
+        }
         options.seconds = seconds;
         options.vbrQuality = vbrQuality;
         options.frequencyHz = hz;
@@ -168,10 +175,26 @@ protected:
         EXPECT_NEAR(informed, sum, sum * 0.01);
         const long long outputFrames = audioFrames(output);
         EXPECT_GE(outputFrames, frames - 2);
+        expectNoTag(output);
         std::printf(
             "[ MP3 join ] sum of inputs %.3f s, ffprobe %.3f s, MediaInfo %.3f s, "
             "frames %lld of %lld (%lld extra)\n",
             sum, probed, informed, outputFrames, frames, outputFrames - frames);
+    }
+
+    // The joined file carries no tag of its sources: no ID3v2 header at the
+    // front, no ID3v1 block at the end, no title or artist that a player shows.
+    static void expectNoTag(const QString& path) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_NE(file.read(3), QByteArray("ID3"));
+        ASSERT_TRUE(file.seek(file.size() - 128));
+        EXPECT_NE(file.read(3), QByteArray("TAG"));
+        const QString tags = RunFfprobe(
+            {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
+             QStringLiteral("format_tags:stream=codec_type"), QStringLiteral("-of"),
+             QStringLiteral("default=nw=1"), path});
+        EXPECT_EQ(tags.trimmed().toStdString(), "codec_type=audio");
     }
 
     JoinRunTestBed bed;
@@ -181,7 +204,7 @@ protected:
 }  // namespace
 
 TEST_F(JoinEndToEndTest, Mp3Cbr_FinishedWithWholeLengthInHeader) {
-    const QStringList sources = {makeMp3(QStringLiteral("one.mp3"), 3, -1, 440),
+    const QStringList sources = {makeMp3(QStringLiteral("one.mp3"), 3, -1, 440, true),
                                  makeMp3(QStringLiteral("two.mp3"), 4, -1, 550),
                                  makeMp3(QStringLiteral("three.mp3"), 5, -1, 660)};
     fillList(QStringLiteral("MP3"), sources);
@@ -192,7 +215,7 @@ TEST_F(JoinEndToEndTest, Mp3Cbr_FinishedWithWholeLengthInHeader) {
 }
 
 TEST_F(JoinEndToEndTest, Mp3Vbr_FinishedWithWholeLengthInHeader) {
-    const QStringList sources = {makeMp3(QStringLiteral("one.mp3"), 3, 4, 440),
+    const QStringList sources = {makeMp3(QStringLiteral("one.mp3"), 3, 4, 440, true),
                                  makeMp3(QStringLiteral("two.mp3"), 4, 4, 550),
                                  makeMp3(QStringLiteral("three.mp3"), 5, 4, 660)};
     fillList(QStringLiteral("MP3"), sources);
@@ -248,7 +271,12 @@ TEST_F(JoinEndToEndTest, OtherMpeg_RawJoinRenamed) {
 }
 
 TEST_F(JoinEndToEndTest, OddFileNames_JoinAndNothingInThemRuns) {
+    // A name that, were it ever run, would leave its mark at an absolute path
+    // whatever the folder the script stands in at that moment.
+    const QString mark = bed.dir.path() + QStringLiteral("/pwned-anywhere");
+    qputenv("VELMORA_TEST_MARK", mark.toUtf8());
     const QStringList names = {
+        QStringLiteral("mark $(touch \"$VELMORA_TEST_MARK\") `touch \"$VELMORA_TEST_MARK\"`.mp3"),
         QStringLiteral("it's \"quoted\" $(touch pwned).mp3"),
         QStringLiteral("`touch pwned2` & echo; 100% *.mp3"),
         QStringLiteral("-leading dash.mp3"),
@@ -269,9 +297,13 @@ TEST_F(JoinEndToEndTest, OddFileNames_JoinAndNothingInThemRuns) {
     join(output);
     expectMp3Join(sources, output);
     expectCleanEnd(output);
-    for (const QString& folder : {bed.dir.path(), bed.media, bed.appData, QDir::currentPath()}) {
+    qunsetenv("VELMORA_TEST_MARK");
+    EXPECT_FALSE(QFile::exists(mark));
+    for (const QString& folder :
+         {bed.dir.path(), bed.media, bed.appData, QDir::currentPath(), QDir::rootPath()}) {
         for (const char* name : {"pwned", "pwned2", "pwned3"}) {
-            EXPECT_FALSE(QFile::exists(folder + u'/' + QLatin1String(name))) << name;
+            EXPECT_FALSE(QFile::exists(folder + u'/' + QLatin1String(name)))
+                << folder.toStdString() << " " << name;
         }
     }
 }

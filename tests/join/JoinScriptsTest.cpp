@@ -217,7 +217,9 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
         "cd / && rm -f " + q(app("MP3Fix/vbrfix.tmp")) + " < /dev/null",
         "source=" + q(temp) + "; [ -s " + fixed + " ] && source=" + fixed,
         "[ -f " + q(app("MP3.bat")) + " ] && " + q(app("MPEG2.exe")) +
-            " -nostdin -i \"$source\" -c copy -f mp3 -y " + q(output) + " < /dev/null",
+            " -nostdin -i \"$source\" -map 0:a -map_metadata -1 -id3v2_version 0"
+            " -c copy -f mp3 -y " +
+            q(output) + " < /dev/null",
         "rm -rf " + scratch + " < /dev/null",
         "echo MP3 File has been fixed!",
         stopFix,
