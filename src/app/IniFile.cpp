@@ -186,7 +186,7 @@ bool writeContent(const QString& file, const QByteArray& content) {
     if (!out.open(QIODevice::WriteOnly)) {
         return false;
     }
-    if (out.write(content) != content.size()) {
+    if (out.write(content) != content.size() || !out.flush()) {
         out.cancelWriting();
         return false;
     }

@@ -51,7 +51,7 @@ void CopyItem(MainModel& model, int index, short cut) {
     if (!text.isEmpty()) {
         model.clipboard.setText(text);
     }
-    if (cut != 0) {
+    if (cut == -1) {
         RemoveItem(model, index);
     }
 }

@@ -44,9 +44,12 @@ void showRemovalReport(MainModel& model, int removed) {
 }
 
 // List files are UTF-8; a file that is not valid UTF-8 is read as Latin-1,
-// so that every byte still comes through as a character.
+// so that every byte still comes through as a character. A byte order mark
+// is kept as a character of the first line: list files are written without
+// one, so a file that starts with one does not have the list header.
 QString decodeListFile(const QByteArray& data) {
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     QString text = utf8.decode(data);
     if (utf8.hasError()) {
         text = QString::fromLatin1(data);
@@ -125,7 +128,7 @@ QByteArray ListFileText(const MainModel& model) {
 
 void SaveList(MainModel& model, short saveAs) {
     CommonDialog& dialog = model.commonDialog;
-    if (model.state.listFileName().isEmpty() || saveAs != 0) {
+    if (model.state.listFileName().isEmpty() || saveAs == -1) {
         dialog.dialogTitle = QStringLiteral("Save List");
         dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("SaveList"));
         dialog.fileName.clear();
@@ -143,11 +146,15 @@ void SaveList(MainModel& model, short saveAs) {
 
     // The file is written to a temporary file beside it and renamed over it
     // only when every byte is written, so a failed save leaves the old file
-    // (or no file) and never half a list. A failure has no message; the list
-    // takes the name all the same.
+    // (or no file) and never half a list. A short write is checked here, as
+    // the save file would otherwise commit what it got. A failure has no
+    // message; the list takes the name all the same.
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly)) {
-        file.write(ListFileText(model));
+        const QByteArray text = ListFileText(model);
+        if (file.write(text) != text.size() || !file.flush()) {
+            file.cancelWriting();
+        }
         file.commit();
     }
     model.state.setWindowTitle(ListWindowTitle(path));
@@ -236,7 +243,7 @@ void RemoveItem(MainModel& model, int index) {
 
 void ClearList(MainModel& model, short ask) {
     bool goOn = true;
-    if (ask != 0) {
+    if (ask == -1) {
         goOn = model.questions.msgBox(
                    QStringLiteral("Are you sure you would like to clear your list?"),
                    Msg::YesNo + Msg::Question) == Msg::Yes;

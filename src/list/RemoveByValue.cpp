@@ -32,7 +32,9 @@ bool RemoveRowsByValue(MainModel& model, int column, const QString& value, Remov
     // The rows to go are marked during the run and taken out together when
     // it ends (also when it is cancelled), followed by the totals once: the
     // same list as removing them one by one from the bottom, without moving
-    // the rows below on every removal.
+    // the rows below on every removal. The totals are brought up to date by
+    // the removal alone, so a run that removes nothing leaves them as they
+    // were.
     QList<bool> keep(rows, true);
     int handled = 0;
     for (int i = rows; i >= 1; --i) {
@@ -49,7 +51,8 @@ bool RemoveRowsByValue(MainModel& model, int column, const QString& value, Remov
         }
         giveEventsATurn();
     }
-    items.removeRowsExcept(keep);
-    UpdateListTotals(model);
+    if (items.removeRowsExcept(keep) > 0) {
+        UpdateListTotals(model);
+    }
     return true;
 }

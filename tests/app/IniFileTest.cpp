@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include "app/AppPaths.h"
 #include "app/IniFile.h"
+#include "support/FileSizeLimit.h"
 
 namespace {
 
@@ -124,6 +126,22 @@ TEST_F(IniFileTest, WriteIniValue_MissingFile_IsCreatedWithSectionAndKey) {
 TEST_F(IniFileTest, WriteIniValue_MissingFolder_FailsWithZero) {
     EXPECT_EQ(write("Tips", "ShowAtStartup", "1", path("nofolder/Settings.ini")), 0);
     EXPECT_FALSE(QFile::exists(path("nofolder/Settings.ini")));
+}
+
+// A write that fails half way (the file size limit is reached) reports the
+// failure and leaves the settings file as it was.
+TEST_F(IniFileTest, WriteIniValue_WriteFailingHalfWay_FailsAndKeepsTheOldFile) {
+    const QByteArray old = "[Join]\nLast=1\n" + QByteArray(60000, ';') + "\n";
+    writeBytes(path(), old);
+    short written = -1;
+    {
+        FileSizeLimit limit(65536);
+        ASSERT_TRUE(limit.active());
+        written = write("Join", "Notes", QString(20000, u'x'), path());
+    }
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(readBytes(path()), old);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"Settings.ini"});
 }
 
 TEST_F(IniFileTest, WriteIniValue_ExistingKey_IsUpdatedInPlace) {

@@ -87,6 +87,14 @@ TEST(PasteItem, Twice_GivesTwoRowsOfTheSameFile) {
     PasteItem(t.model);
     PasteItem(t.model);
     EXPECT_EQ(t.column(3), QStringList({"/m/a.mp3", "/m/a.mp3"}));
+    // The file is gone: each row is what filling leaves for a file that
+    // cannot be read.
+    for (int row = 1; row <= 2; ++row) {
+        EXPECT_EQ(t.model.items.cell(row, 0), "a.mp3");
+        EXPECT_EQ(t.model.items.cell(row, 1), "1 KB");
+        EXPECT_EQ(t.model.items.cell(row, 10), " kbps");
+        EXPECT_EQ(t.model.items.cell(row, 11), "");
+    }
 }
 
 TEST(PasteItem, FewerThanFourFields_AddsARowWithEmptyPath) {

@@ -76,6 +76,14 @@ TEST(ClearList, WithoutAsking_ClearsAtOnce) {
     EXPECT_EQ(t.model.items.count(), 0);
 }
 
+TEST(ClearList, AnyFlagButMinusOne_ClearsWithoutAsking) {
+    ListTestModel t;
+    t.addMp3("/m/a.mp3", "7 KB", "1 seconds", "x");
+    ClearList(t.model, 1);
+    EXPECT_TRUE(t.questions.asked.isEmpty());
+    EXPECT_EQ(t.model.items.count(), 0);
+}
+
 TEST(RemoveDuplicatedFiles, EmptyList_ReportsZero) {
     ListTestModel t;
     RemoveDuplicatedFiles(t.model);
@@ -240,6 +248,10 @@ TEST_F(MoveTest, RowOfGoneFile_MovesWithPathIntact) {
     MoveItemUp(t.model, 3);
     EXPECT_EQ(t.model.items.cell(2, 3), dir.filePath("missing.mp3"));
     EXPECT_EQ(t.model.items.cell(2, 0), "missing.mp3");
+    // The other cells are what filling leaves for a file that cannot be read.
+    EXPECT_EQ(t.model.items.cell(2, 1), "1 KB");
+    EXPECT_EQ(t.model.items.cell(2, 10), " kbps");
+    EXPECT_EQ(t.model.items.cell(2, 11), "");
     EXPECT_EQ(t.model.items.count(), 3);
 }
 

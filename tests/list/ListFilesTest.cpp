@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <QDir>
 #include <QFile>
+#include <csignal>
 
 #include "ListTestModel.h"
 #include "app/IniFile.h"
+#include "support/FileSizeLimit.h"
 
 namespace {
 
@@ -197,6 +200,30 @@ TEST(SaveList, LeavesNoTemporaryFileBehind) {
     }
 }
 
+// A save that fails half way (here: the file size limit of the process is
+// reached) leaves the list file as it was, and no partial file beside it.
+TEST(SaveList, WriteFailingHalfWay_LeavesTheOldFileWhole) {
+    ListTestModel t;
+    const QString path = t.appData.filePath("named.vlr");
+    writeBytes(path, "old list bytes");
+    t.model.state.setListFileName(path);
+    for (int i = 0; i < 2000; ++i) {
+        t.addRow(kRowA);
+    }
+    ASSERT_GT(ListFileText(t.model).size(), 65536);
+
+    {
+        FileSizeLimit limit(65536);
+        ASSERT_TRUE(limit.active());
+        SaveList(t.model, 0);
+    }
+
+    EXPECT_EQ(readAll(path), "old list bytes");
+    EXPECT_EQ(QDir(t.appData.path()).entryList(QDir::Files | QDir::Hidden),
+              QStringList{"named.vlr"});
+    EXPECT_EQ(t.model.state.listFileName(), path);
+}
+
 TEST(OpenList, SavedList_OpensWithAllCellsAndGrades) {
     ListTestModel t;
     t.addRow(kRowA);
@@ -287,6 +314,16 @@ TEST(OpenList, HeaderWithTrailingBlank_IsInvalid) {
     ListTestModel t;
     const QString path = t.appData.filePath("bad.vlr");
     writeBytes(path, "VLR List v1.0 \r\n<MP3>\r\n");
+    t.questions.chooseFile(path);
+    OpenList(t.model);
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+}
+
+TEST(OpenList, HeaderAfterByteOrderMark_IsInvalid) {
+    ListTestModel t;
+    const QString path = t.appData.filePath("bom.vlr");
+    writeBytes(path, "\xEF\xBB\xBFVLR List v1.0\r\n<MP3>\r\n");
     t.questions.chooseFile(path);
     OpenList(t.model);
     ASSERT_EQ(t.questions.asked.size(), 1);

@@ -124,9 +124,27 @@ TEST(RemoveRowsByValue, KeepAValueAllRowsHave_RemovesNothing) {
     for (int i = 1; i <= 2; ++i) {
         t.model.items.setCell(i, 8, "Rock");
     }
+    // Figures left behind by an earlier command stay as they are: only a
+    // removal brings them up to date.
+    t.model.state.setCountCaption("7");
+    t.model.state.setListStatusText("Orange");
     const short cancel = 0;
     EXPECT_TRUE(RemoveRowsByValue(t.model, 8, "Rock", RemoveAction::KeepMatchingRows, cancel));
     EXPECT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.state.countCaption(), "7");
+    EXPECT_EQ(t.model.state.listStatus(), "Orange");
+}
+
+TEST(RemoveRowsByValue, CancelledBeforeTheFirstRow_RemovesNothingAndLeavesTheFigures) {
+    ListTestModel t;
+    addNamed(t, {"a", "b"}, 8);
+    t.model.state.setCountCaption("9");
+    t.model.state.setListStatusText("Green");
+    const short cancel = -1;
+    EXPECT_TRUE(RemoveRowsByValue(t.model, 0, "a", RemoveAction::RemoveMatchingRows, cancel));
+    EXPECT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.state.countCaption(), "9");
+    EXPECT_EQ(t.model.state.listStatus(), "Green");
 }
 
 TEST(RemoveRowsByValue, RemoveAValueAllRowsHave_EmptiesTheList) {
