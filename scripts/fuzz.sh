@@ -2,7 +2,7 @@
 # Builds the fuzz targets with clang (both sanitizers, libFuzzer) into
 # build-fuzz and runs each one after the other for a fixed number of inputs or
 # a fixed time, whichever ends first. Each target starts from a small seed
-# corpus made here from real files: the sample media beside the repository,
+# corpus made here from real files: the sample media committed with the tests,
 # MP3 files and tool status lines made with ffmpeg, the default settings.
 #
 #   scripts/fuzz.sh [runs] [seconds] [target...]
@@ -33,7 +33,7 @@ done
 cmake --build "$BUILD_DIR" -j2 --target $build_targets
 
 SEEDS=$BUILD_DIR/seeds
-SAMPLES=$ROOT/../shared/testdata
+SAMPLES=$ROOT/tests/data/samples
 make_seeds() {
     rm -rf "$SEEDS"
     mkdir -p "$SEEDS/ID3Reader" "$SEEDS/ListFile" "$SEEDS/IniFile" "$SEEDS/ToolStatus" \

@@ -14,7 +14,7 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD=${1:-$ROOT/build}
 BIN=$BUILD/bin/velmora
 OUT=$ROOT/docs/screenshots
-MEDIA_DIR=$ROOT/../shared/testdata
+MEDIA_DIR=$ROOT/tests/data/samples
 
 [ -x "$BIN" ] || { echo "no program at $BIN; build the target velmora first" >&2; exit 1; }
 command -v xvfb-run >/dev/null || { echo "xvfb-run is needed" >&2; exit 1; }

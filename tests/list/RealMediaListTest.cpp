@@ -17,7 +17,7 @@ namespace {
 // Copies samples into a temporary folder; the shared folder stays untouched.
 QString copySample(const QTemporaryDir& dir, const QString& name, const QString& as = {}) {
     const QString target = dir.filePath(as.isEmpty() ? name : as);
-    QFile::copy(SharedTestDataFolder() + "/" + name, target);
+    QFile::copy(SampleMediaFolder() + "/" + name, target);
     return target;
 }
 

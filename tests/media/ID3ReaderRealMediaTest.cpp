@@ -42,7 +42,7 @@ Probe ProbeAudio(const QString& path) {
 }
 
 bool HaveSamples() {
-    return QFileInfo::exists(SharedTestDataFolder() + "/mimetype-mp3.mp3");
+    return QFileInfo::exists(SampleMediaFolder() + "/mimetype-mp3.mp3");
 }
 
 }  // namespace
@@ -127,11 +127,9 @@ TEST(ID3ReaderRealMedia, MonoVbr_XingIsMissedAtTheStereoOffset) {
     EXPECT_GT(ProbeAudio(path).packets, 0);
 }
 
-TEST(ID3ReaderRealMedia, SharedMpeg1Samples_AgreeWithFfprobe) {
-    if (!HaveSamples()) {
-        GTEST_SKIP() << "shared samples not present";
-    }
-    const QString folder = SharedTestDataFolder();
+TEST(ID3ReaderRealMedia, Mpeg1Samples_AgreeWithFfprobe) {
+    ASSERT_TRUE(HaveSamples()) << SampleMediaFolder().toStdString();
+    const QString folder = SampleMediaFolder();
     {
         const QString path = folder + "/mimetype-mp3.mp3";
         const Probe probe = ProbeAudio(path);
@@ -156,16 +154,14 @@ TEST(ID3ReaderRealMedia, SharedMpeg1Samples_AgreeWithFfprobe) {
     }
 }
 
-TEST(ID3ReaderRealMedia, SharedMpeg2And25Samples_AreNotSeenByDesign) {
-    if (!HaveSamples()) {
-        GTEST_SKIP() << "shared samples not present";
-    }
+TEST(ID3ReaderRealMedia, Mpeg2And25Samples_AreNotSeenByDesign) {
+    ASSERT_TRUE(HaveSamples()) << SampleMediaFolder().toStdString();
     // Their frames start 0xFF 0xF3 / 0xFF 0xE3 and are never found. The reader
     // takes the first 0xFF 0xFA / 0xFF 0xFB pair in the audio data instead, if
     // there is one, and never reports the real stream's sample rate.
     for (const char* name : {"mimetype-mp3.v2.notag.mp3", "mimetype-mp3.v2.5.notag.mp3",
                              "filetype-fixture-ffe3.mp3"}) {
-        const QString path = SharedTestDataFolder() + "/" + name;
+        const QString path = SampleMediaFolder() + "/" + name;
         const Probe probe = ProbeAudio(path);
         ASSERT_GT(probe.sampleRate, 0) << name;
         ID3Reader reader;

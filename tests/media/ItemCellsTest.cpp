@@ -186,11 +186,9 @@ TEST(MediaInfoTemplates, OpenFailsOnlyForMissingFile) {
     EXPECT_EQ(file.inform(QStringLiteral("Audio;%BitRate%")), QString());
 }
 
-TEST(MediaInfoTemplates, SharedSamples_GiveTheExpectedValues) {
-    const QString folder = SharedTestDataFolder();
-    if (!QFileInfo::exists(folder + "/mimetype-mpeg.mpeg")) {
-        GTEST_SKIP() << "shared samples not present";
-    }
+TEST(MediaInfoTemplates, SampleFiles_GiveTheExpectedValues) {
+    const QString folder = SampleMediaFolder();
+    ASSERT_TRUE(QFileInfo::exists(folder + "/mimetype-mpeg.mpeg")) << folder.toStdString();
     MediaInfoFile mpeg(folder + "/mimetype-mpeg.mpeg");
     EXPECT_EQ(mpeg.inform(QStringLiteral("Video;%Codec%")), "MPEG-2V");
     EXPECT_EQ(mpeg.inform(QStringLiteral("Video;%Width%")), "320");
@@ -475,11 +473,9 @@ TEST_F(ListFixture, NonAsciiFileName_OpensInTheLibrary) {
     EXPECT_EQ(cell(row, 11), "44100 (Stereo)");
 }
 
-TEST_F(ListFixture, SharedSamples_FillTheirRows) {
-    const QString folder = SharedTestDataFolder();
-    if (!QFileInfo::exists(folder + "/mimetype-mpeg.mpeg")) {
-        GTEST_SKIP() << "shared samples not present";
-    }
+TEST_F(ListFixture, SampleFiles_FillTheirRows) {
+    const QString folder = SampleMediaFolder();
+    ASSERT_TRUE(QFileInfo::exists(folder + "/mimetype-mpeg.mpeg")) << folder.toStdString();
     useType("MPEG");
     int row = addAndFill(folder + "/mimetype-mpeg.mpeg");
     EXPECT_EQ(cell(row, 4), "MPEG-2V");

@@ -22,7 +22,7 @@ constexpr int kInputs = 10000;
 constexpr int kBatch = 500;
 
 // Real files to cut and damage: generated media when ffmpeg is there, the
-// shared samples, and a byte-built frame with a Xing header and a tag.
+// sample media, and a byte-built frame with a Xing header and a tag.
 QList<QByteArray> Seeds(const QString& folder) {
     QList<QByteArray> seeds;
     seeds.append(bytefiles::FrameHeader() + bytefiles::Filler(32) + "Xing" +
@@ -50,9 +50,9 @@ QList<QByteArray> Seeds(const QString& folder) {
             }
         }
     }
-    const QDir shared(SharedTestDataFolder());
-    for (const QString& name : shared.entryList({"*.mp3", "*.mpg", "*.mpeg"}, QDir::Files)) {
-        seeds.append(bytefiles::Read(shared.filePath(name)).left(64 * 1024));
+    const QDir samples(SampleMediaFolder());
+    for (const QString& name : samples.entryList({"*.mp3", "*.mpg", "*.mpeg"}, QDir::Files)) {
+        seeds.append(bytefiles::Read(samples.filePath(name)).left(64 * 1024));
     }
     return seeds;
 }

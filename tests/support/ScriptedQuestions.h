@@ -31,8 +31,8 @@ public:
     void cancelDialog();
     void onDialog(DialogAction action) { dialogActions.append(std::move(action)); }
 
-    QList<Asked> asked;                 // message boxes, in order
-    QList<CommonDialog> dialogsShown;   // the dialog state as each dialog opened
+    QList<Asked> asked;                // message boxes, in order
+    QList<CommonDialog> dialogsShown;  // the dialog state as each dialog opened
     QList<bool> dialogWasSave;
     QList<int> answers;
     QList<DialogAction> dialogActions;

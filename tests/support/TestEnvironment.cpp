@@ -10,4 +10,4 @@ void PrepareTestEnvironment() {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
 }
 
-QString SharedTestDataFolder() { return QStringLiteral(VELMORA_SHARED_TESTDATA); }
+QString SampleMediaFolder() { return QStringLiteral(VELMORA_SAMPLE_MEDIA); }

@@ -6,5 +6,5 @@
 // States: "," groups digits, "." is the decimal point) and a UTF-8 C locale.
 void PrepareTestEnvironment();
 
-// The folder of the real-world samples shipped beside the repository.
-QString SharedTestDataFolder();
+// The folder of the real-world sample media committed with the tests.
+QString SampleMediaFolder();

@@ -70,7 +70,7 @@ protected:
     void putSample(const QString& relativePath) {
         const QString target = media.filePath(relativePath);
         QDir().mkpath(QFileInfo(target).absolutePath());
-        ASSERT_TRUE(QFile::copy(SharedTestDataFolder() + "/mimetype-mp3.v2.notag.mp3", target));
+        ASSERT_TRUE(QFile::copy(SampleMediaFolder() + "/mimetype-mp3.v2.notag.mp3", target));
     }
 
     QTemporaryDir appData;

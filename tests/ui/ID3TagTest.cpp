@@ -348,7 +348,7 @@ TEST_F(ID3TagTest, MissingFile_NoTagAndTheButtonsChangeNothing) {
 
 TEST_F(ID3TagTest, Picture_ShowsTheWindow) {
     const QString path = dir.filePath("Track 1.mp3");
-    ASSERT_TRUE(QFile::copy(SharedTestDataFolder() + "/mimetype-mp3.mp3", path));
+    ASSERT_TRUE(QFile::copy(SampleMediaFolder() + "/mimetype-mp3.mp3", path));
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
     ID3Reader tag;
     tag.setFileName(path);

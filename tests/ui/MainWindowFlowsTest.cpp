@@ -158,7 +158,7 @@ TEST(DropFiles, ThreeRealFiles_AddedAsRowsInTheDroppedOrder) {
     MainWindow window(questions, clipboard);
     NewItemList(window.model(), "MP3");
     window.show();
-    const QString folder = SharedTestDataFolder();
+    const QString folder = SampleMediaFolder();
     const QStringList paths = {folder + "/mimetype-mp3.mp3", folder + "/filetype-fixture.mp3",
                                folder + "/mimetype-mp3.mp3"};
     QMimeData data;
