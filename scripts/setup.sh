@@ -17,7 +17,7 @@ PACKAGES="cmake ninja-build g++ pkg-config ccache clang libclang-rt-14-dev
 qt6-base-dev qt6-svg-dev qt6-qpa-plugins libmediainfo-dev mediainfo
 ffmpeg mpgtx vbrfix
 libgtest-dev libgmock-dev libbenchmark-dev
-xvfb xauth fonts-dejavu-core"
+xvfb xauth fonts-dejavu-core clang-format"
 # Wanted for a desktop run (opening files, folders and web pages), not for
 # building or testing: a failure to install it is only reported.
 OPTIONAL=""

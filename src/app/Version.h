@@ -12,5 +12,7 @@ inline const QString kProgramTitle = QStringLiteral("Velmora");
 inline const QString kPublisherHost = QStringLiteral("www.velmora.example");
 
 // "1.61": major, ".", minor.
-inline QString text() { return QString::number(kMajor) + u'.' + QString::number(kMinor); }
+inline QString text() {
+    return QString::number(kMajor) + u'.' + QString::number(kMinor);
+}
 }  // namespace Version

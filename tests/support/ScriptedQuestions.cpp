@@ -7,9 +7,13 @@ int ScriptedQuestions::msgBox(const QString& prompt, int style, const QString& t
     return answers.isEmpty() ? Msg::Ok : answers.takeFirst();
 }
 
-void ScriptedQuestions::showOpen(CommonDialog& dialog) { showDialog(dialog, false); }
+void ScriptedQuestions::showOpen(CommonDialog& dialog) {
+    showDialog(dialog, false);
+}
 
-void ScriptedQuestions::showSave(CommonDialog& dialog) { showDialog(dialog, true); }
+void ScriptedQuestions::showSave(CommonDialog& dialog) {
+    showDialog(dialog, true);
+}
 
 void ScriptedQuestions::showDialog(CommonDialog& dialog, bool save) {
     dialogsShown.append(dialog);

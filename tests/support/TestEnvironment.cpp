@@ -10,4 +10,6 @@ void PrepareTestEnvironment() {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
 }
 
-QString SampleMediaFolder() { return QStringLiteral(VELMORA_SAMPLE_MEDIA); }
+QString SampleMediaFolder() {
+    return QStringLiteral(VELMORA_SAMPLE_MEDIA);
+}
