@@ -494,6 +494,27 @@ TEST_F(JoinScriptsLogTest, Sh_Mpeg2V_LogsTheRemuxLineAsWrittenAndTheDelete) {
     EXPECT_FALSE(ScriptTestBed::readFile(app("MPEG2.bat")).contains("rm -f"));
 }
 
+TEST_F(JoinScriptsLogTest, Sh_OtherMpeg_LogsTheAppendLinesAndNoRemake) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg", bed.media + "/c.mpg"};
+    bed.makeMpegList(items, "MPEG-4V");
+    temp = output + ".vlr.mpg";
+    write(sh);
+    const QStringList expected = {"TempFile=" + temp,
+                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                  "1BAT=cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null"};
+    EXPECT_EQ(logRecords(logFile), expected);
+}
+
+TEST_F(JoinScriptsLogTest, Batch_OtherMpeg_LogsTheCopyLinesAndNoRemake) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-4V");
+    temp = output + ".vlr.mpg";
+    write(batch);
+    const QStringList expected = {
+        "TempFile=" + temp, "1BAT=Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\""};
+    EXPECT_EQ(logRecords(logFile), expected);
+}
+
 TEST_F(JoinScriptsLogTest, Mpeg1V_LogsOnlyTheTempFile) {
     items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
     bed.makeMpegList(items, "MPEG-1V");
