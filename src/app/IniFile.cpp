@@ -5,9 +5,9 @@
 #include <QFileInfo>
 #include <QList>
 #include <QLockFile>
-#include <QSaveFile>
 
 #include "app/AppPaths.h"
+#include "platform/FileHelpers.h"
 
 namespace {
 
@@ -179,20 +179,6 @@ void makeWritable(const QString& file) {
     }
 }
 
-bool writeContent(const QString& file, const QByteArray& content) {
-    QSaveFile out(file);
-    // A file in a folder that only allows writing the file itself is still written.
-    out.setDirectWriteFallback(true);
-    if (!out.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    if (out.write(content) != content.size() || !out.flush()) {
-        out.cancelWriting();
-        return false;
-    }
-    return out.commit();
-}
-
 }  // namespace
 
 QString ReadIniValue(QString& section, QString& key, QString& file) {
@@ -278,7 +264,9 @@ short WriteIniValue(QString& section, QString& key, QString& value, QString& fil
                     lines.insert(insertAt, Line{entry, end});
                 }
             }
-            if (writeContent(file, joinLines(lines))) {
+            // A file in a folder that only allows writing the file itself is
+            // still written.
+            if (WriteFileWhole(file, joinLines(lines), true)) {
                 result = -1;
             }
         }

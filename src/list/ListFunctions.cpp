@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSet>
 #include <QStringDecoder>
 #include <algorithm>
@@ -144,19 +143,9 @@ void SaveList(MainModel& model, short saveAs) {
     }
     const QString path = dialog.fileName;
 
-    // The file is written to a temporary file beside it and renamed over it
-    // only when every byte is written, so a failed save leaves the old file
-    // (or no file) and never half a list. A short write is checked here, as
-    // the save file would otherwise commit what it got. A failure has no
-    // message; the list takes the name all the same.
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        const QByteArray text = ListFileText(model);
-        if (file.write(text) != text.size() || !file.flush()) {
-            file.cancelWriting();
-        }
-        file.commit();
-    }
+    // A failed save leaves the old file (or no file) and never half a list.
+    // It has no message; the list takes the name all the same.
+    WriteFileWhole(path, ListFileText(model));
     model.state.setWindowTitle(ListWindowTitle(path));
     model.state.setListFileName(path);
 }

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -63,6 +64,21 @@ bool FileExists(const QString& path) {
 bool IsDirectoryPath(const QString& path) {
     struct stat info {};
     return statPath(path, info) && S_ISDIR(info.st_mode);
+}
+
+bool WriteFileWhole(const QString& path, const QByteArray& content, bool directWriteFallback) {
+    QSaveFile file(path);
+    file.setDirectWriteFallback(directWriteFallback);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    // A short write must be caught here: the save file would otherwise
+    // commit what it got.
+    if (file.write(content) != content.size() || !file.flush()) {
+        file.cancelWriting();
+        return false;
+    }
+    return file.commit();
 }
 
 bool MakeFolderPath(QString& path) {

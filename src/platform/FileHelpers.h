@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <cstdint>
 
@@ -21,6 +22,15 @@ bool IsDirectoryPath(const QString& path);
 // removed from the caller's text, in place. False when a level could not be
 // made (the walk stops there); callers may ignore it.
 bool MakeFolderPath(QString& path);
+
+// Writes the bytes to the file whole or not at all: they go to a temporary
+// file beside it, which takes the file's place only when every byte is
+// written and flushed, so a failed write (a full disk, a size limit) leaves
+// the old file, or no file. With directWriteFallback, a file in a folder
+// that allows no new file is written in place instead. True when the file
+// now holds the bytes.
+bool WriteFileWhole(const QString& path, const QByteArray& content,
+                    bool directWriteFallback = false);
 
 // The folder that holds the system's file-manager launcher, or the empty text.
 QString GetWindowsFolder();
