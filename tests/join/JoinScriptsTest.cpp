@@ -450,15 +450,32 @@ protected:
         StartLogging(logFile, 2);
         ASSERT_EQ(LogPath(), logFile);
     }
+
+    // An MPEG list of the given number of files, a.mpg on, joined into the
+    // .mpg scratch file.
+    void useMpegList(int count, const QString& codec) {
+        items.clear();
+        for (int i = 0; i < count; ++i) {
+            items << bed.media + u'/' + QChar(u'a' + i) + ".mpg";
+        }
+        bed.makeMpegList(items, codec);
+        temp = output + ".vlr.mpg";
+    }
+    // The record of the line that appends item i, in each dialect.
+    QString shAppend(int i) const {
+        return "1BAT=cat " + q(items[i]) + " >> " + q(temp) + " < /dev/null";
+    }
+    QString batchAppend(int i) const {
+        return "1BAT=Copy /b \"" + temp + "\"+\"" + items[i] + "\" \"" + temp + "\"";
+    }
+
     QString logFile;
 };
 
 TEST_F(JoinScriptsLogTest, Sh_Mp3List_LogsTempFileAndTheAppendLinesAsWritten) {
     bed.makeMp3List(items);
     write(sh);
-    const QStringList expected = {"TempFile=" + temp,
-                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                  "1BAT=cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null"};
+    const QStringList expected = {"TempFile=" + temp, shAppend(1), shAppend(2)};
     EXPECT_EQ(logRecords(logFile), expected);
     // Each record is a line that the script really holds.
     const QStringList lines = scriptLines(app("TempFile.bat"), "\n");
@@ -467,59 +484,45 @@ TEST_F(JoinScriptsLogTest, Sh_Mp3List_LogsTempFileAndTheAppendLinesAsWritten) {
 }
 
 TEST_F(JoinScriptsLogTest, Batch_Mpeg2V_LogsCopyLinesAndTheTwoRemakeRecords) {
-    items = {bed.media + "/a.mpg", bed.media + "/b.mpg", bed.media + "/c.mpg"};
-    bed.makeMpegList(items, "MPEG-2V");
-    temp = output + ".vlr.mpg";
+    useMpegList(3, "MPEG-2V");
     write(batch);
     const QStringList expected = {
-        "TempFile=" + temp, "1BAT=Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\"",
-        "1BAT=Copy /b \"" + temp + "\"+\"" + items[2] + "\" \"" + temp + "\"",
+        "TempFile=" + temp, batchAppend(1), batchAppend(2),
         "2BAT=\"" + win("MPEG2.exe") + "\" -i \"" + temp + "\" -sameq -y \"" + output + "\"",
         "2BAT=del \"" + temp + "\""};
     EXPECT_EQ(logRecords(logFile), expected);
 }
 
 TEST_F(JoinScriptsLogTest, Sh_Mpeg2V_LogsTheRemuxLineAsWrittenAndTheDelete) {
-    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
-    bed.makeMpegList(items, "MPEG-2V");
-    temp = output + ".vlr.mpg";
+    useMpegList(2, "MPEG-2V");
     write(sh);
     const QString remux = q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) + " -c copy -f vob -y " +
                           q(output) + " < /dev/null";
-    const QStringList expected = {"TempFile=" + temp,
-                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                  "2BAT=" + remux, "2BAT=rm -f " + q(temp) + " < /dev/null"};
+    const QStringList expected = {"TempFile=" + temp, shAppend(1), "2BAT=" + remux,
+                                  "2BAT=rm -f " + q(temp) + " < /dev/null"};
     EXPECT_EQ(logRecords(logFile), expected);
     EXPECT_TRUE(scriptLines(app("MPEG2.bat"), "\n").contains(remux));
     EXPECT_FALSE(ScriptTestBed::readFile(app("MPEG2.bat")).contains("rm -f"));
 }
 
 TEST_F(JoinScriptsLogTest, Sh_OtherMpeg_LogsTheAppendLinesAndNoRemake) {
-    items = {bed.media + "/a.mpg", bed.media + "/b.mpg", bed.media + "/c.mpg"};
-    bed.makeMpegList(items, "MPEG-4V");
-    temp = output + ".vlr.mpg";
+    useMpegList(3, "MPEG-4V");
     write(sh);
-    const QStringList expected = {"TempFile=" + temp,
-                                  "1BAT=cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                  "1BAT=cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null"};
+    const QStringList expected = {"TempFile=" + temp, shAppend(1), shAppend(2)};
     EXPECT_EQ(logRecords(logFile), expected);
 }
 
 TEST_F(JoinScriptsLogTest, Batch_OtherMpeg_LogsTheCopyLinesAndNoRemake) {
-    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
-    bed.makeMpegList(items, "MPEG-4V");
-    temp = output + ".vlr.mpg";
+    useMpegList(2, "MPEG-4V");
     write(batch);
-    const QStringList expected = {
-        "TempFile=" + temp, "1BAT=Copy /b \"" + temp + "\"+\"" + items[1] + "\" \"" + temp + "\""};
+    const QStringList expected = {"TempFile=" + temp, batchAppend(1)};
     EXPECT_EQ(logRecords(logFile), expected);
 }
 
 TEST_F(JoinScriptsLogTest, Mpeg1V_LogsOnlyTheTempFile) {
-    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
-    bed.makeMpegList(items, "MPEG-1V");
+    useMpegList(2, "MPEG-1V");
     write(sh);
-    EXPECT_EQ(logRecords(logFile), QStringList{"TempFile=" + output + ".vlr.mpg"});
+    EXPECT_EQ(logRecords(logFile), QStringList{"TempFile=" + temp});
 }
 
 TEST_F(JoinScriptsLogTest, Batch_Mp3List_LogsNothingAboutTheFixScript) {

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <QDir>
 #include <QFile>
-#include <csignal>
 
 #include "ListTestModel.h"
 #include "app/IniFile.h"
@@ -23,6 +21,14 @@ void writeBytes(const QString& path, const QByteArray& bytes) {
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(bytes);
+}
+
+// Opens the file through the dialog and expects the one refusal message.
+void ExpectRefusedAsInvalid(ListTestModel& t, const QString& path) {
+    t.questions.chooseFile(path);
+    OpenList(t.model);
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
 }
 
 QStringList rowCells(const ItemList& items, int row) {
@@ -297,10 +303,7 @@ TEST(OpenList, WrongHeader_ShowsMessageAndKeepsListButFolderMoved) {
     t.model.state.setWindowTitle("Velmora - (me.vlr)");
     const QString path = t.appData.filePath("bad.vlr");
     writeBytes(path, "VLR List v1.1\r\n<MPEG>\r\nx|y\r\n");
-    t.questions.chooseFile(path);
-    OpenList(t.model);
-    ASSERT_EQ(t.questions.asked.size(), 1);
-    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    ASSERT_NO_FATAL_FAILURE(ExpectRefusedAsInvalid(t, path));
     EXPECT_EQ(t.questions.asked.first().style, Msg::OkOnly + Msg::Exclamation);
     EXPECT_EQ(t.questions.asked.first().title, "");
     EXPECT_EQ(t.model.items.count(), 1);
@@ -314,20 +317,14 @@ TEST(OpenList, HeaderWithTrailingBlank_IsInvalid) {
     ListTestModel t;
     const QString path = t.appData.filePath("bad.vlr");
     writeBytes(path, "VLR List v1.0 \r\n<MP3>\r\n");
-    t.questions.chooseFile(path);
-    OpenList(t.model);
-    ASSERT_EQ(t.questions.asked.size(), 1);
-    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    ASSERT_NO_FATAL_FAILURE(ExpectRefusedAsInvalid(t, path));
 }
 
 TEST(OpenList, HeaderAfterByteOrderMark_IsInvalid) {
     ListTestModel t;
     const QString path = t.appData.filePath("bom.vlr");
     writeBytes(path, "\xEF\xBB\xBFVLR List v1.0\r\n<MP3>\r\n");
-    t.questions.chooseFile(path);
-    OpenList(t.model);
-    ASSERT_EQ(t.questions.asked.size(), 1);
-    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    ASSERT_NO_FATAL_FAILURE(ExpectRefusedAsInvalid(t, path));
 }
 
 TEST(OpenList, HeaderInOtherCase_IsInvalid) {
@@ -342,10 +339,7 @@ TEST(OpenList, HeaderInOtherCase_IsInvalid) {
 TEST(OpenList, MissingFile_ShowsTheInvalidFileMessage) {
     ListTestModel t;
     t.addRow(kRowA);
-    t.questions.chooseFile(t.appData.filePath("gone.vlr"));
-    OpenList(t.model);
-    ASSERT_EQ(t.questions.asked.size(), 1);
-    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    ASSERT_NO_FATAL_FAILURE(ExpectRefusedAsInvalid(t, t.appData.filePath("gone.vlr")));
     EXPECT_EQ(t.model.items.count(), 1);
     EXPECT_EQ(t.model.state.listFileName(), "");
 }
@@ -514,10 +508,7 @@ TEST(OpenList, FolderChosenAsListFile_ShowsTheInvalidFileMessage) {
     ListTestModel t;
     t.addRow(kRowA);
     QDir(t.appData.path()).mkdir("folder.vlr");
-    t.questions.chooseFile(t.appData.filePath("folder.vlr"));
-    OpenList(t.model);
-    ASSERT_EQ(t.questions.asked.size(), 1);
-    EXPECT_EQ(t.questions.asked.first().prompt, "Unable to open; Invalid File!");
+    ASSERT_NO_FATAL_FAILURE(ExpectRefusedAsInvalid(t, t.appData.filePath("folder.vlr")));
     EXPECT_EQ(t.model.items.count(), 1);
 }
 
