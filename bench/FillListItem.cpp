@@ -4,14 +4,11 @@
 // encodings) into a temporary folder.
 #include <benchmark/benchmark.h>
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <cstddef>
 #include <memory>
 #include <string>
 
+#include "Mp3Corpus.h"
 #include "list/FillListItem.h"
 #include "list/MainModel.h"
 #include "media/ID3Reader.h"
@@ -46,88 +43,19 @@ public:
     void clear() override {}
 };
 
-bool Encode(const QString& path, int kbps, int rate, int channels, double seconds, bool tag) {
-    QStringList args{"-nostdin",
-                     "-y",
-                     "-loglevel",
-                     "error",
-                     "-f",
-                     "lavfi",
-                     "-i",
-                     QStringLiteral("sine=frequency=%1:sample_rate=%2:duration=%3")
-                         .arg(300 + kbps)
-                         .arg(rate)
-                         .arg(seconds),
-                     "-ac",
-                     QString::number(channels),
-                     "-c:a",
-                     "libmp3lame",
-                     "-b:a",
-                     QStringLiteral("%1k").arg(kbps),
-                     "-write_id3v1",
-                     tag ? "1" : "0"};
-    if (tag) {
-        args += {"-metadata", "title=Bench", "-metadata", "artist=Velmora"};
-    } else {
-        args += {"-id3v2_version", "0"};
-    }
-    args += {"-f", "mp3", path};
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"), args);
-    return ffmpeg.waitForFinished(120000) && ffmpeg.exitCode() == 0;
-}
-
-// The 1,000 files, made at the first use and kept for the whole run.
-struct Corpus {
-    QTemporaryDir dir;
-    QStringList paths;
-    bool ok = false;
-
-    Corpus() {
-        struct Kind {
-            int kbps, rate, channels;
-            double seconds;
-            bool tag;
-        };
-        const Kind kinds[] = {{128, 44100, 2, 30, true},
-                              {192, 48000, 2, 20, false},
-                              {96, 44100, 1, 45, true},
-                              {320, 44100, 2, 10, false},
-                              {64, 32000, 1, 60, true}};
-        QStringList masters;
-        int k = 0;
-        for (const Kind& kind : kinds) {
-            const QString path = dir.filePath(QStringLiteral("master%1.mp3").arg(k++));
-            if (!Encode(path, kind.kbps, kind.rate, kind.channels, kind.seconds, kind.tag)) {
-                return;
-            }
-            masters.append(path);
-        }
-        for (int i = 0; i < kFiles; ++i) {
-            const QString path =
-                dir.filePath(QStringLiteral("track%1.mp3").arg(i, 4, 10, QChar('0')));
-            if (!QFile::copy(masters.at(i % masters.size()), path)) {
-                return;
-            }
-            paths.append(path);
-        }
-        ok = true;
-    }
-};
-
-Corpus& Files() {
-    static Corpus corpus;
+Mp3Corpus& Files() {
+    static Mp3Corpus corpus(kFiles);
     return corpus;
 }
 
 void BM_MediaInfoAlone(benchmark::State& state) {
-    Corpus& corpus = Files();
-    if (!corpus.ok) {
+    Mp3Corpus& corpus = Files();
+    if (!corpus.ok()) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
     std::vector<std::wstring> names;
-    for (const QString& path : corpus.paths) {
+    for (const QString& path : corpus.paths()) {
         names.push_back(path.toStdWString());
     }
     const wchar_t* templates[] = {
@@ -150,8 +78,8 @@ void BM_MediaInfoAlone(benchmark::State& state) {
 }
 
 void BM_FillListItem(benchmark::State& state) {
-    Corpus& corpus = Files();
-    if (!corpus.ok) {
+    Mp3Corpus& corpus = Files();
+    if (!corpus.ok()) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
@@ -163,7 +91,7 @@ void BM_FillListItem(benchmark::State& state) {
         model.items.addColumn(header);
     }
     model.state.setListType(QStringLiteral("MP3"));
-    for (const QString& path : corpus.paths) {
+    for (const QString& path : corpus.paths()) {
         const int row = model.items.addRow(QString());
         model.items.setCell(row, 3, path);
     }
@@ -182,14 +110,14 @@ void BM_FillListItem(benchmark::State& state) {
 // The media half of a row as FillListItem does it: the wrapper (which also
 // asks for the classic value names) and the four MP3 templates.
 void BM_MediaInfoFileMp3Templates(benchmark::State& state) {
-    Corpus& corpus = Files();
-    if (!corpus.ok) {
+    Mp3Corpus& corpus = Files();
+    if (!corpus.ok()) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
     std::size_t i = 0;
     for (auto _ : state) {
-        MediaInfoFile media(corpus.paths[static_cast<int>(i++ % kFiles)]);
+        MediaInfoFile media(corpus.paths()[static_cast<int>(i++ % kFiles)]);
         for (const char* text : {"General;%PlayTime%", "Audio;%BitRate%", "Audio;%SamplingRate%",
                                  "Audio;%Channel(s)%"}) {
             benchmark::DoNotOptimize(media.inform(QString::fromLatin1(text)));
@@ -200,15 +128,15 @@ void BM_MediaInfoFileMp3Templates(benchmark::State& state) {
 }
 
 void BM_ID3ReaderAlone(benchmark::State& state) {
-    Corpus& corpus = Files();
-    if (!corpus.ok) {
+    Mp3Corpus& corpus = Files();
+    if (!corpus.ok()) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
     std::size_t i = 0;
     for (auto _ : state) {
         ID3Reader reader;
-        reader.setFileName(corpus.paths[static_cast<int>(i++ % kFiles)]);
+        reader.setFileName(corpus.paths()[static_cast<int>(i++ % kFiles)]);
         benchmark::DoNotOptimize(reader.Kbits());
     }
     state.SetItemsProcessed(state.iterations());

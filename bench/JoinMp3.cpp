@@ -1,12 +1,16 @@
 // The whole MP3 join of a long list with the real tools, next to the bare
 // commands: Velmora from StartJoin to "Finished!" (and the close), the same
-// script commands run straight through a shell, a plain cat of the files, and
-// the tool's concat demuxer. Each reports the output's MPEG audio frames next
+// script commands run straight through a shell, a plain cat of the files,
+// ffmpeg's concat demuxer, and the MP3 fix tool alone on the raw join (with
+// its peak memory). Each reports the output's MPEG audio frames next
 // to the sum of the inputs'. The list: 200 files of about 5 MB, once constant
 // and once variable bit rate (VELMORA_BENCH_JOIN_FILES sets another count).
 // Each figure is the best of several runs (VELMORA_BENCH_JOIN_RUNS, 3).
 #include <benchmark/benchmark.h>
 
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -155,7 +159,7 @@ struct JoinBed {
         inputSeconds = secondsEach * files.size();
         bytes = QFileInfo(first).size() * files.size();
         for (const auto& [source, name] :
-             {std::pair{QStringLiteral("/usr/bin/vbrfix"), QStringLiteral("MP3.dll")},
+             {std::pair{QStringLiteral(VELMORA_MP3_FIX_TOOL), QStringLiteral("MP3.dll")},
               std::pair{QStringLiteral("/usr/bin/mpgtx"), QStringLiteral("MPEG.dll")},
               std::pair{QStringLiteral("/usr/bin/ffmpeg"), QStringLiteral("MPEG2.dll")}}) {
             QFile::copy(source, install + u'/' + name);
@@ -281,6 +285,7 @@ void BM_VelmoraAndScriptCommands(benchmark::State& state) {
             shell = round == 0 ? s : std::min(shell, s);
         }
     }
+    seconds()[QStringLiteral("velmora%1").arg(vbr)] = velmora;
     report(state, bed, bed.output, QStringLiteral("shell%1").arg(vbr), shell);
     state.counters["velmora_s"] = velmora;
     state.counters["velmora_output_frames"] = static_cast<double>(velmoraFrames);
@@ -339,6 +344,57 @@ void BM_FfmpegConcat(benchmark::State& state) {
     report(state, bed, bed.output, QStringLiteral("concat%1").arg(vbr), elapsed);
 }
 
+// The fix tool alone, from the raw join (made by cat beforehand) to the
+// output; its seconds and its peak resident memory.
+void BM_FixToolAlone(benchmark::State& state) {
+    const bool vbr = state.range(0) != 0;
+    JoinBed& bed = bedFor(vbr);
+    const QString temp = bed.output + QStringLiteral(".vlr.mp3");
+    const QByteArray tool = QByteArrayLiteral(VELMORA_MP3_FIX_TOOL);
+    double elapsed = 0;
+    long peakKb = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < runCount(); ++round) {
+            bed.clearOutputs();
+            QProcess cat;
+            cat.setStandardOutputFile(temp);
+            cat.start(QStringLiteral("cat"), bed.files);
+            cat.waitForFinished(-1);
+            const QByteArray in = temp.toLocal8Bit();
+            const QByteArray out = bed.output.toLocal8Bit();
+            char* argv[] = {const_cast<char*>(tool.constData()), const_cast<char*>(in.constData()),
+                            const_cast<char*>(out.constData()), nullptr};
+            QElapsedTimer timer;
+            timer.start();
+            pid_t pid = 0;
+            if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv, environ) != 0) {
+                state.SkipWithError("the fix tool did not start");
+                return;
+            }
+            int status = 0;
+            rusage usage{};
+            wait4(pid, &status, 0, &usage);
+            const double taken = timer.nsecsElapsed() / 1e9;
+            elapsed = round == 0 ? taken : std::min(elapsed, taken);
+            peakKb = std::max(peakKb, usage.ru_maxrss);
+            QFile::remove(temp);
+        }
+    }
+    report(state, bed, bed.output, QStringLiteral("fix%1").arg(vbr), elapsed);
+    state.counters["peak_rss_MB"] = peakKb / 1024.0;
+    const auto& s = seconds();
+    const QString k = QString::number(vbr);
+    const double velmora = s.value(QStringLiteral("velmora") + k);
+    const double concat = s.value(QStringLiteral("concat") + k);
+    const double cat = s.value(QStringLiteral("cat") + k);
+    std::printf(
+        "%s: Velmora %.2f s, concat demuxer %.2f s, cat %.2f s, fix tool alone %.2f s "
+        "(peak %.1f MB); Velmora / concat %.3f, Velmora / cat %.2f\n",
+        vbr ? "VBR" : "CBR", velmora, concat, cat, elapsed, peakKb / 1024.0,
+        concat > 0 ? velmora / concat : 0.0, cat > 0 ? velmora / cat : 0.0);
+    std::fflush(stdout);
+}
+
 }  // namespace
 
 // Arg 0: constant bit rate; 1: variable bit rate.
@@ -350,3 +406,4 @@ BENCHMARK(BM_VelmoraAndScriptCommands)
     ->UseRealTime();
 BENCHMARK(BM_Cat)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
 BENCHMARK(BM_FfmpegConcat)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
+BENCHMARK(BM_FixToolAlone)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();

@@ -18,7 +18,7 @@ RUNS=${1:-1000000}
 SECONDS_LIMIT=${2:-600}
 [ $# -gt 0 ] && shift
 [ $# -gt 0 ] && shift
-TARGETS=${*:-"ID3Reader ListFile IniFile ToolStatus PasteItem"}
+TARGETS=${*:-"ID3Reader Mp3FrameWalker ListFile IniFile ToolStatus PasteItem"}
 
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
     CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja \
@@ -36,7 +36,7 @@ SEEDS=$BUILD_DIR/seeds
 SAMPLES=$ROOT/tests/data/samples
 make_seeds() {
     rm -rf "$SEEDS"
-    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/ListFile" "$SEEDS/IniFile" "$SEEDS/ToolStatus" \
+    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/Mp3FrameWalker" "$SEEDS/ListFile" "$SEEDS/IniFile" "$SEEDS/ToolStatus" \
         "$SEEDS/PasteItem"
     work=$(mktemp -d)
 
@@ -54,6 +54,16 @@ make_seeds() {
         { head -c 512 "$file"; tail -c 128 "$file"; } >"$SEEDS/ID3Reader/$name.tail"
     done
     cp "$work/cbr.mp3" "$SEEDS/ID3Reader/cbr.mp3"
+
+    # Raw joins for the MP3 fix tool's frame walker: whole small files of
+    # each MPEG version end to end, with their tags.
+    ffmpeg -v error -f lavfi -i sine=frequency=660:duration=0.1 -ar 22050 -ac 1 -c:a libmp3lame \
+        -b:a 32k -metadata title=Two "$work/mpeg2.mp3"
+    ffmpeg -v error -f lavfi -i sine=frequency=330:duration=0.1 -ar 8000 -c:a libmp3lame \
+        -q:a 6 "$work/mpeg25.mp3"
+    cat "$work/cbr.mp3" "$work/vbr.mp3" >"$SEEDS/Mp3FrameWalker/mpeg1"
+    cat "$work/mpeg2.mp3" "$work/cbr.mp3" >"$SEEDS/Mp3FrameWalker/mpeg2"
+    cat "$work/mpeg25.mp3" "$work/mpeg25.mp3" >"$SEEDS/Mp3FrameWalker/mpeg25"
 
     # List files of both types, and clipboard entries of their rows.
     printf 'VLR List v1.0\r\n<MP3>\r\ncbr.mp3|128|44100|%s|00:00:00|3 KB|Seed|Velmora\r\n' \

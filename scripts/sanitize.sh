@@ -19,7 +19,7 @@ if [ ! -f "$BUILD_DIR/build.ninja" ]; then
 fi
 cmake --build "$BUILD_DIR" -j"$JOBS"
 
-export ASAN_OPTIONS=halt_on_error=1:detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1
+export ASAN_OPTIONS=halt_on_error=1:detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1:suppressions=$ROOT/scripts/sanitizer-asan.supp
 export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 export LSAN_OPTIONS=suppressions=$ROOT/scripts/sanitizer-leaks.supp:print_suppressions=0
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}

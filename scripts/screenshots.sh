@@ -35,6 +35,10 @@ for f in mimetype-mp3.mp3 filetype-fixture.mp3 mimetype-mp3.v2.notag.mp3 \
     MEDIA="$MEDIA${MEDIA:+:}$WORK/music/Track $i - $f"
 done
 
+# The virtual screen, and a scale factor for a picture of a high-DPI desktop.
+SCREEN=1024x768
+SCALE=""
+
 # shoot <scene> <file> <splash off 0/1> <NewList dialog off 0/1> [media]
 shoot() {
     home=$(mktemp -d "$WORK/home.XXXXXX")
@@ -56,13 +60,18 @@ INI
     VELMORA_SCREENSHOT_FILE=$OUT/$2 \
     VELMORA_SCREENSHOT_MEDIA=${5:-} \
     QT_QPA_PLATFORM=xcb \
-        xvfb-run -a -s "-screen 0 1024x768x24" "$BIN"
+        xvfb-run -a -s "-screen 0 ${SCREEN}x24" env ${SCALE:+QT_SCALE_FACTOR=$SCALE} "$BIN"
 }
 
 shoot splash      splash.png       0 0
 shoot newlist     newlist.png      1 0
 shoot main        main-window.png  1 1 "$MEDIA"
 shoot contextmenu context-menu.png 1 1 "$MEDIA"
+# The main window at a scale factor of 2, and under a dark desktop palette.
+SCALE=2 SCREEN=2048x1536
+shoot main main-window-scale2.png 1 1 "$MEDIA"
+SCALE="" SCREEN=1024x768
+shoot maindark main-window-dark.png 1 1 "$MEDIA"
 
 # The other windows. Each window's test sets the window up with example
 # content and, with VELMORA_SCREENSHOT_DIR set, saves its picture there.

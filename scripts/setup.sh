@@ -15,9 +15,10 @@ MODE=${1:-test}
 
 PACKAGES="cmake ninja-build g++ pkg-config ccache clang libclang-rt-14-dev
 qt6-base-dev qt6-svg-dev qt6-qpa-plugins libmediainfo-dev mediainfo
-ffmpeg mpgtx vbrfix
+ffmpeg mpgtx
 libgtest-dev libgmock-dev libbenchmark-dev
-xvfb xauth fonts-dejavu-core clang-format"
+xvfb xauth openbox fonts-dejavu-core clang-format
+dpkg-dev debhelper fakeroot lintian desktop-file-utils appstream xdotool x11-utils"
 # Wanted for a desktop run (opening files, folders and web pages), not for
 # building or testing: a failure to install it is only reported.
 OPTIONAL=""

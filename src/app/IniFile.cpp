@@ -1,10 +1,13 @@
 #include "app/IniFile.h"
 
+#include <utility>
+
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
 #include <QLockFile>
+#include <utility>
 
 #include "app/AppPaths.h"
 #include "platform/FileHelpers.h"
@@ -203,6 +206,52 @@ QString ReadIniValue(QString& section, QString& key, QString& file) {
     return result;
 }
 
+namespace {
+
+struct WriteFailures {
+    IniWriteFailureReporter reporter;
+    QString lastFile;
+    QString lastReason;
+};
+
+WriteFailures& writeFailures() {
+    static WriteFailures failures;
+    return failures;
+}
+
+void noteWrite(const QString& file, bool written, const QString& reason) {
+    WriteFailures& failures = writeFailures();
+    if (written) {
+        if (failures.lastFile == file) {
+            failures.lastFile.clear();
+            failures.lastReason.clear();
+        }
+        return;
+    }
+    if (failures.lastFile == file && failures.lastReason == reason) {
+        return;
+    }
+    failures.lastFile = file;
+    failures.lastReason = reason;
+    if (failures.reporter) {
+        failures.reporter(file, reason);
+    }
+}
+
+}  // namespace
+
+QString IniWriteFailureMessage(const QString& file, const QString& reason) {
+    return QStringLiteral("Unable to save the settings!\r\n") + file + QStringLiteral("\r\n\r\n") +
+           reason;
+}
+
+void SetIniWriteFailureReporter(IniWriteFailureReporter reporter) {
+    WriteFailures& failures = writeFailures();
+    failures.reporter = std::move(reporter);
+    failures.lastFile.clear();
+    failures.lastReason.clear();
+}
+
 short WriteIniValue(QString& section, QString& key, QString& value, QString& file) {
     short result = 0;
     const QString wantedSection = section.trimmed();
@@ -266,9 +315,14 @@ short WriteIniValue(QString& section, QString& key, QString& value, QString& fil
             }
             // A file in a folder that only allows writing the file itself is
             // still written.
-            if (WriteFileWhole(file, joinLines(lines), true)) {
+            QString reason;
+            const bool written = WriteFileWhole(file, joinLines(lines), true, &reason);
+            if (written) {
                 result = -1;
             }
+            noteWrite(file, written, reason);
+        } else {
+            noteWrite(file, false, in.errorString());
         }
     }
     section.clear();

@@ -2,6 +2,8 @@
 
 #include <QFile>
 #include <QLocale>
+#include <cstdio>
+#include <cstdlib>
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
@@ -14,8 +16,21 @@ QString appDataPath(Questions& questions) {
 }
 }  // namespace
 
+QStringList CommandLineOf(int argc, const char* const* argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    return arguments;
+}
+
 bool IsDebugCommandLine(const QStringList& arguments) {
     return arguments.size() == 2 && arguments.at(1) == QStringLiteral("/debug");
+}
+
+void EndProcessAtOnce() {
+    std::fflush(nullptr);
+    std::_Exit(0);
 }
 
 QString LogFileNameFor(const QDateTime& moment) {

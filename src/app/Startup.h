@@ -21,13 +21,22 @@ struct StartupResult {
 //    and shows "Velmora is now running in debug-mode.";
 // 3. when SettingsFile() is missing, copies InstallFolder()/DefaultSettings.ini
 //    there (and logs it). An existing settings file is never touched.
-// arguments is the full argument list as QCoreApplication::arguments() gives
-// it, the program itself first. Failures are passed over silently, apart from
-// the messages of the folder lookup.
+// arguments is the full argument list as the process received it, the program
+// itself first (CommandLineOf, taken before Qt removes its own options).
+// Failures are passed over silently, apart from the messages of the folder
+// lookup.
 StartupResult PrepareStartup(const QStringList& arguments, Questions& questions);
+
+// The arguments of the process as it received them, the program first.
+QStringList CommandLineOf(int argc, const char* const* argv);
 
 // True when the arguments (program first) are exactly the one argument "/debug".
 bool IsDebugCommandLine(const QStringList& arguments);
+
+// Ends the process at once, as File, Exit does: pending output is flushed, and
+// nothing else runs: no window's closing step, no destructor, no exit handler.
+// So a setting that a window writes as it closes is lost.
+[[noreturn]] void EndProcessAtOnce();
 
 // The log file name for a moment: "ddmmyyyyhhmmss.log" (24-hour clock).
 QString LogFileNameFor(const QDateTime& moment);

@@ -52,14 +52,20 @@ QStringList BatchDialect::mp3FixLines(const Mp3Fix& fix) const {
             dq(fix.tempFile) + u' ' + dq(fix.outputFile)};
 }
 
-bool BatchDialect::mp3FixUsesRemuxTool() const {
-    return false;
-}
-
 QString BatchDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
                                    const QString& outputFile) const {
     return dq(tool) + QStringLiteral(" -i ") + dq(tempFile) + QStringLiteral(" -sameq -y ") +
            dq(outputFile);
+}
+
+// The MPEG-1 joiner writes TempFile whole; the run only renames it.
+bool BatchDialect::remakesMpeg1() const {
+    return false;
+}
+
+QString BatchDialect::mpeg1FixLine(const QString& /*tool*/, const QString& /*tempFile*/,
+                                   const QString& /*outputFile*/) const {
+    return {};
 }
 
 QString BatchDialect::deleteFileLine(const QString& path) const {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+#include <chrono>
 #include <functional>
 
 struct MainModel;
@@ -26,7 +28,25 @@ void DeleteToolsFromAppData();
 // + ".vlr.mpg".
 bool JoinOutputRemains(const QString& outputFile);
 
+// A file of the join that the cancel could not delete, and why.
+struct LeftBehindFile {
+    QString path;
+    QString reason;
+};
+
 // The wait of a cancel: while any of those files exists, shows "Join Wizard
-// (Cancelling...)", deletes each that exists, and gives events a turn. It has
-// no time limit: a process that still writes is waited for.
-void WaitForJoinOutputGone(const QString& outputFile, JoinWizardState& state);
+// (Cancelling...)", deletes each that exists, gives events a turn and pauses
+// briefly, so a process that still writes is waited for without spinning.
+// A file that cannot be deleted (a read-only folder or file system) or that
+// keeps coming back ends the wait after CancelWaitLimit(); the files still
+// there are returned with the system's reason. Empty when all are gone.
+QList<LeftBehindFile> WaitForJoinOutputGone(const QString& outputFile, JoinWizardState& state);
+
+// How long the cancel wait tries at most, and its pause between tries.
+// The setter returns the limit it replaces.
+std::chrono::milliseconds CancelWaitLimit();
+std::chrono::milliseconds SetCancelWaitLimit(std::chrono::milliseconds limit);
+inline constexpr std::chrono::milliseconds kCancelWaitPause{50};
+
+// The message that names the files a cancel left behind and why.
+QString LeftBehindMessage(const QList<LeftBehindFile>& files);

@@ -11,6 +11,7 @@
 #include "app/DebugLog.h"
 #include "join/FinishWizard.h"
 #include "join/JoinCleanup.h"
+#include "join/JoinLock.h"
 #include "join/JoinProgress.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
@@ -55,10 +56,6 @@ void makeMarker() {
     }
 }
 
-bool isMp3List(const MainModel& model) {
-    return model.state.listType() == QStringLiteral("MP3");
-}
-
 }  // namespace
 
 JoinRun::JoinRun(MainModel& model, JoinWizardState& state, QObject* parent)
@@ -70,7 +67,9 @@ JoinRun::JoinRun(MainModel& model, JoinWizardState& state, QObject* parent)
     connect(&state_, &JoinWizardState::changed, this, &JoinRun::syncTimers);
 }
 
-JoinRun::~JoinRun() = default;
+JoinRun::~JoinRun() {
+    ReleaseJoinLock();
+}
 
 JoinRun::LauncherFactory JoinRun::setLauncherFactory(LauncherFactory factory) {
     return std::exchange(launcherFactory(), std::move(factory));
@@ -152,8 +151,9 @@ void JoinRun::startOperation2() {
     state_.setWrittenSizeText(QStringLiteral("0 KB"));
     state_.setWindowCaption(QStringLiteral("Join Wizard"));
 
-    const bool mp3 = isMp3List(model_);
-    if (mp3 || IsMpeg2VideoList(model_)) {
+    // MP3.bat, MPEG2.bat, or MPEG.bat where MPEG-1 video is remade.
+    const QString script = FixScriptName(model_);
+    if (!script.isEmpty()) {
         // The fix script's marker: the script removes it at its end.
         makeMarker();
         delete launcher_;
@@ -161,7 +161,6 @@ void JoinRun::startOperation2() {
         connect(launcher_, &ProcessRunner::dataReceived, this, &JoinRun::dataReceived);
         launcher_->setBufferSize(8192);
         launcher_->setStopTimeout(1000);
-        const QString script = mp3 ? JoinNames::kMp3Script : JoinNames::kMpeg2Script;
         const QString shell = scriptShell().isEmpty() ? QStringLiteral("/bin/sh") : scriptShell();
         launcher_->command(shell, {AppDataPath(script)});
         const int status = launcher_->status();
@@ -184,8 +183,10 @@ void JoinRun::postCheck() {
     const QString output = OutputFilePath(model_);
     const QString temp = TempFilePath(model_);
     // The best file on disk becomes OutputFile. An empty file from the MPEG-2
-    // tool counts as a failure; the MP3 fix only as one when it left nothing.
-    if (IsMpeg2VideoList(model_)) {
+    // tool (remaking MPEG-2 or MPEG-1 video) counts as a failure; the MP3 fix
+    // only as one when it left nothing.
+    const QString script = FixScriptName(model_);
+    if (script == JoinNames::kMpeg2Script || script == JoinNames::kMpeg1Script) {
         const QFileInfo info(output);
         if (!info.isFile() || info.size() == 0) {
             QFile::remove(output);
@@ -193,7 +194,7 @@ void JoinRun::postCheck() {
         } else {
             QFile::remove(temp);
         }
-    } else if (isMp3List(model_)) {
+    } else if (script == JoinNames::kMp3Script) {
         if (!FileExists(output)) {
             QFile::rename(temp, output);
         } else {
@@ -231,13 +232,21 @@ void JoinRun::cancelClicked() {
     DeleteToolsFromAppData();
 
     if (state_.cancelButtonCaption() != QStringLiteral("&Cancel")) {
+        // The join is over: another running copy may join now.
+        ReleaseJoinLock();
         state_.requestClose();
         return;
     }
     state_.setCancelButtonEnabled(false);
     cancelled_ = true;
-    WaitForJoinOutputGone(OutputFilePath(model_), state_);
+    const QList<LeftBehindFile> left = WaitForJoinOutputGone(OutputFilePath(model_), state_);
+    // Nothing of the cancelled join runs any more: another running copy may
+    // join now.
+    ReleaseJoinLock();
     state_.setCancelButtonEnabled(true);
+    if (!left.isEmpty()) {
+        model_.questions.msgBox(LeftBehindMessage(left), Msg::OkOnly + Msg::Exclamation);
+    }
     FinishWizard(model_, state_, cancelled_);
     state_.requestFocusOnFord();
 }

@@ -83,6 +83,24 @@ JoinCase CurrentJoinCase(const MainModel& model) {
     return JoinCase::OtherMPEG;
 }
 
+QString FixScriptName(const MainModel& model, const ScriptDialect& dialect) {
+    using namespace JoinNames;
+    if (isMp3List(model)) {
+        return kMp3Script;
+    }
+    if (IsMpeg2VideoList(model)) {
+        return kMpeg2Script;
+    }
+    if (isMpeg1VideoList(model) && dialect.remakesMpeg1()) {
+        return kMpeg1Script;
+    }
+    return {};
+}
+
+QString FixScriptName(const MainModel& model) {
+    return FixScriptName(model, PlatformDialect());
+}
+
 bool IsMpeg2VideoList(const MainModel& model) {
     return hasVideoCodec(model, QStringLiteral("MPEG-2V"));
 }
@@ -125,7 +143,8 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     const QString firstScript = d.childPath(appData, kTempFileScript);
     QStringList lines = head;
     const int count = model.items.count();
-    if (isMpeg1VideoList(model)) {
+    const QString fixScript = FixScriptName(model, d);
+    if (isMpeg1VideoList(model) && fixScript.isEmpty()) {
         copyFromInstallFolder(kMpegToolSource, kMpegTool);
         QStringList items;
         items.reserve(count);
@@ -155,18 +174,13 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     writeScript(AppDataPath(kTempFileScript), lines, d);
 
     // The second script: the fix from TempFile into OutputFile.
-    if (isMp3List(model)) {
+    if (fixScript == kMp3Script) {
         copyFromInstallFolder(kMp3ToolSource, kMp3Tool);
         copyFromInstallFolder(kMp3Library, kMp3Library);
-        if (d.mp3FixUsesRemuxTool()) {
-            copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
-        }
         const QString script = d.childPath(appData, kMp3Script);
         ScriptDialect::Mp3Fix fix;
         fix.scriptPath = script;
         fix.fixTool = d.childPath(appData, kMp3Tool);
-        fix.remuxTool = d.childPath(appData, kMpeg2Tool);
-        fix.scratchFolder = d.childPath(appData, kMp3ScratchFolder);
         fix.tempFile = tempFile;
         fix.outputFile = output;
         lines = head;
@@ -179,20 +193,26 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         writeScript(AppDataPath(kMp3Script), lines, d);
         return;
     }
-    if (IsMpeg2VideoList(model)) {
+    if (fixScript == kMpeg2Script || fixScript == kMpeg1Script) {
+        // MPEG-1 video, where the dialect remakes it, takes the same way as
+        // MPEG-2 video, in a script of its own.
+        const bool mpeg1 = fixScript == kMpeg1Script;
         copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
         copyFromInstallFolder(kMpeg2Library, kMpeg2Library);
-        const QString script = d.childPath(appData, kMpeg2Script);
-        const QString fixLine = d.mpeg2FixLine(d.childPath(appData, kMpeg2Tool), tempFile, output);
+        const QString script = d.childPath(appData, fixScript);
+        const QString tool = d.childPath(appData, kMpeg2Tool);
+        const QString fixLine =
+            mpeg1 ? d.mpeg1FixLine(tool, tempFile, output) : d.mpeg2FixLine(tool, tempFile, output);
+        const QString kind = mpeg1 ? QStringLiteral("MPEG1") : QStringLiteral("MPEG2");
         lines = head;
-        lines << d.echoLine(QStringLiteral("Fixing MPEG2 File..."));
+        lines << d.echoLine(QStringLiteral("Fixing ") + kind + QStringLiteral(" File..."));
         lines << d.stopIfGoneLines(script);
         lines << fixLine;
-        lines << d.echoLine(QStringLiteral("MPEG2 File has been fixed!"));
+        lines << d.echoLine(kind + QStringLiteral(" File has been fixed!"));
         lines << d.stopIfGoneLines(script);
         lines << d.removeMarkerLine(marker);
         lines << d.exitLine();
-        writeScript(AppDataPath(kMpeg2Script), lines, d);
+        writeScript(AppDataPath(fixScript), lines, d);
         // The record names a delete that no script holds: TempFile is removed
         // by the run once it has looked at what the tool left.
         log(QStringLiteral("2BAT=") + fixLine);

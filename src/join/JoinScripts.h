@@ -11,7 +11,8 @@ class ScriptDialect;
 // is never stored.
 enum class JoinCase {
     MP3,        // an MP3 list: byte copy, then the MP3 fix (MP3.bat)
-    MPEG1V,     // first item "MPEG-1V": the MPEG-1 joiner writes TempFile, then a rename
+    MPEG1V,     // first item "MPEG-1V": the MPEG-1 joiner writes TempFile, then a rename;
+                // or, in a dialect that remakes MPEG-1, as MPEG2V with MPEG.bat
     MPEG2V,     // first item "MPEG-2V": byte copy, then the MPEG-2 remake (MPEG2.bat)
     OtherMPEG,  // any other MPEG list: byte copy, then a rename
 };
@@ -27,6 +28,7 @@ inline const QString kMarkerFolder = QStringLiteral("JoinTemp");
 inline const QString kTempFileScript = QStringLiteral("TempFile.bat");
 inline const QString kMp3Script = QStringLiteral("MP3.bat");
 inline const QString kMpeg2Script = QStringLiteral("MPEG2.bat");
+inline const QString kMpeg1Script = QStringLiteral("MPEG.bat");
 inline const QString kMp3Tool = QStringLiteral("MP3.exe");
 inline const QString kMpegTool = QStringLiteral("MPEG.exe");
 inline const QString kMpeg2Tool = QStringLiteral("MPEG2.exe");
@@ -36,10 +38,14 @@ inline const QString kMpeg2Library = QStringLiteral("pthreadGC2.dll");
 inline const QString kMp3ToolSource = QStringLiteral("MP3.dll");
 inline const QString kMpegToolSource = QStringLiteral("MPEG.dll");
 inline const QString kMpeg2ToolSource = QStringLiteral("MPEG2.dll");
-// The folder in AppDataFolder in which the MP3 fixer runs, so that its work
-// files land nowhere else; the MP3 fix script makes and removes it.
-inline const QString kMp3ScratchFolder = QStringLiteral("MP3Fix");
 }  // namespace JoinNames
+
+// The script of JoinOperation 2 for the list as it stands: MP3.bat for an MP3
+// list, MPEG2.bat for MPEG-2 video, MPEG.bat for MPEG-1 video in a dialect
+// that remakes MPEG-1; empty where JoinOperation 2 is a mere rename.
+QString FixScriptName(const MainModel& model, const ScriptDialect& dialect);
+// The same in the platform's dialect, the one the run launches.
+QString FixScriptName(const MainModel& model);
 
 // ".vlr.mp3" for an MP3 list, ".vlr.mpg" otherwise: always 8 characters.
 QString TempFileSuffix(const MainModel& model);

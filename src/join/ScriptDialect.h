@@ -12,10 +12,8 @@ public:
     // What the MP3 fix works with: the folders and tools in AppDataFolder and
     // the two files of the join.
     struct Mp3Fix {
-        QString scriptPath;     // the fix script itself
-        QString fixTool;        // the MP3 fixer
-        QString remuxTool;      // the MPEG-2 tool, for dialects that need a second step
-        QString scratchFolder;  // the fixer's working folder
+        QString scriptPath;  // the fix script itself
+        QString fixTool;     // the MP3 fixer
         QString tempFile;
         QString outputFile;
     };
@@ -43,10 +41,16 @@ public:
                                  const QString& tempFile) const = 0;
     // The lines of the MP3 fix, from TempFile to OutputFile.
     virtual QStringList mp3FixLines(const Mp3Fix& fix) const = 0;
-    // True when the MP3 fix calls the MPEG-2 tool too, which then has to be copied.
-    virtual bool mp3FixUsesRemuxTool() const = 0;
     // The MPEG-2 remake, from TempFile to OutputFile.
     virtual QString mpeg2FixLine(const QString& tool, const QString& tempFile,
+                                 const QString& outputFile) const = 0;
+    // False: an MPEG-1 video list is joined by the MPEG-1 joiner straight into
+    // TempFile, which the run then renames. True: it is joined as an MPEG-2
+    // video list is, a byte copy into TempFile and then a fix script of its
+    // own in which the MPEG-2 tool remakes it into OutputFile.
+    virtual bool remakesMpeg1() const = 0;
+    // The MPEG-1 remake, from TempFile to OutputFile (used when remakesMpeg1).
+    virtual QString mpeg1FixLine(const QString& tool, const QString& tempFile,
                                  const QString& outputFile) const = 0;
     // The deletion of a file (named in the debug log, not in any script).
     virtual QString deleteFileLine(const QString& path) const = 0;

@@ -55,48 +55,40 @@ QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
     return line + QStringLiteral("-o ") + quote(tempFile) + kNoInput;
 }
 
-// Two steps. The fixer rewrites a VBR join with a header that counts every
-// frame and drops the header frames of the later files; on a CBR join it
-// writes nothing, and on a join of CBR files of different bit rates it keeps
-// the first file's header, which gives that file's length only. So the MPEG-2
-// tool then copies the fixer's result (or the raw join where there is none)
-// into OutputFile as a new stream, whose header it writes from the frames it
-// has copied. Only the audio is copied, with no tag of any kind: the joined
-// file is not the first file, so it must not carry that file's title or
-// picture. The fixer leaves work files in its working folder, so it runs in a
-// scratch folder that is removed behind it.
+// One step: the project's own fix tool reads the raw join and writes the
+// output in one pass, with only the audio frames behind one right header.
 QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
-    const QString fixed = quote(childPath(fix.scratchFolder, QStringLiteral("Fixed.mp3")));
-    const QString scratch = quote(fix.scratchFolder);
     QStringList lines = stopIfGoneLines(fix.scriptPath);
-    lines << QStringLiteral("mkdir -p ") + scratch + kNoInput + QStringLiteral(" && cd ") +
-                 scratch + QStringLiteral(" && ") + quote(fix.fixTool) +
-                 QStringLiteral(" -ri1 -ri2 -lameinfo ") + quote(fix.tempFile) + u' ' + fixed +
+    lines << quote(fix.fixTool) + u' ' + quote(fix.tempFile) + u' ' + quote(fix.outputFile) +
                  kNoInput;
-    lines << QStringLiteral("cd / && rm -f ") +
-                 quote(childPath(fix.scratchFolder, QStringLiteral("vbrfix.tmp"))) + kNoInput;
-    lines << QStringLiteral("source=") + quote(fix.tempFile) + QStringLiteral("; [ -s ") + fixed +
-                 QStringLiteral(" ] && source=") + fixed;
-    lines << QStringLiteral("[ -f ") + quote(fix.scriptPath) + QStringLiteral(" ] && ") +
-                 quote(fix.remuxTool) +
-                 QStringLiteral(
-                     " -nostdin -i \"$source\" -map 0:a -map_metadata -1 "
-                     "-id3v2_version 0 -c copy -f mp3 -y ") +
-                 quote(fix.outputFile) + kNoInput;
-    lines << QStringLiteral("rm -rf ") + scratch + kNoInput;
     return lines;
-}
-
-bool ShDialect::mp3FixUsesRemuxTool() const {
-    return true;
 }
 
 // A stream copy into a new program stream: the old quality option is unknown
 // to the tool, and a copy keeps the MPEG-2 video as it is with new timestamps.
+// The wizard's bar and size follow the tool's status lines here, which it
+// writes ten times a second rather than twice, so that they move even on a
+// copy that takes a second or two.
 QString ShDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
                                 const QString& outputFile) const {
-    return quote(tool) + QStringLiteral(" -nostdin -i ") + quote(tempFile) +
+    return quote(tool) + QStringLiteral(" -nostdin -stats_period 0.1 -i ") + quote(tempFile) +
            QStringLiteral(" -c copy -f vob -y ") + quote(outputFile) + kNoInput;
+}
+
+bool ShDialect::remakesMpeg1() const {
+    return true;
+}
+
+// The byte join of MPEG-1 program streams holds one run of timestamps per
+// source, each starting again near zero, which readers take for a file as
+// long as one of the sources. The MPEG-2 tool reads the join as one stream,
+// carries the timestamps on across every seam and copies the streams into a
+// new MPEG-1 program stream, written as it goes: its length in every reader is
+// the sum of the sources' lengths.
+QString ShDialect::mpeg1FixLine(const QString& tool, const QString& tempFile,
+                                const QString& outputFile) const {
+    return quote(tool) + QStringLiteral(" -nostdin -i ") + quote(tempFile) +
+           QStringLiteral(" -c copy -f mpeg -y ") + quote(outputFile) + kNoInput;
 }
 
 QString ShDialect::deleteFileLine(const QString& path) const {

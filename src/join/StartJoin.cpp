@@ -12,6 +12,7 @@
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
 #include "app/IniFile.h"
+#include "join/JoinLock.h"
 #include "join/JoinScripts.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
@@ -36,18 +37,19 @@ double freeBytesOf(QString rootPath) {
 }
 
 // The free KB as a whole number, the way the figure is shown: rounded to
-// whole KB. Nothing when less than half a KB is free or the figure does not
-// fit in 32 bits; the caller then warns.
-std::optional<qint32> availableKb(double freeBytes) {
+// whole KB, counted in 64 bits so a disk with terabytes free is judged by
+// its real figure. Nothing when less than half a KB is free or no figure
+// came; the caller then warns.
+std::optional<qint64> availableKb(double freeBytes) {
     const double kb = freeBytes / 1024.0;
     if (!(kb >= 0.5)) {
         return std::nullopt;
     }
     const double whole = std::floor(kb + 0.5);
-    if (whole > std::numeric_limits<qint32>::max()) {
-        return std::nullopt;
+    if (!(whole < 9.2e18)) {
+        return std::numeric_limits<qint64>::max();
     }
-    return static_cast<qint32>(whole);
+    return static_cast<qint64>(whole);
 }
 
 // The list's size in KB from its caption ("1,234 KB"), doubled: TempFile and
@@ -65,6 +67,9 @@ qint64 requiredKb(const QString& sizeCaption) {
     }
     return static_cast<qint64>(std::nearbyint(kb * 2.0));
 }
+
+// The pre-flight from the save dialog on, once the join lock is held.
+bool preflightAfterLock(MainModel& model);
 
 void logRows(const MainModel& model) {
     if (LogPath().isEmpty()) {
@@ -125,7 +130,23 @@ bool StartJoin(MainModel& model) {
             Msg::OkOnly + Msg::Critical);
         return false;
     }
+    // A join of another running copy uses the same scripts, marker and tool
+    // copies: nothing is asked, deleted or written while it runs.
+    if (!AcquireJoinLock()) {
+        questions.msgBox(JoinLockedMessage(), Msg::OkOnly + Msg::Exclamation);
+        return false;
+    }
+    if (!preflightAfterLock(model)) {
+        ReleaseJoinLock();
+        return false;
+    }
+    return true;
+}
 
+namespace {
+
+bool preflightAfterLock(MainModel& model) {
+    Questions& questions = model.questions;
     CommonDialog& dialog = model.commonDialog;
     dialog.dialogTitle = QStringLiteral("Create Output File");
     dialog.initDir = ReadSetting(kDialogSection, kJoinFilesKey);
@@ -171,7 +192,7 @@ bool StartJoin(MainModel& model) {
     }
 
     const QString drive = DriveTextOf(dialog.fileName);
-    const std::optional<qint32> available = availableKb(freeBytesOf(drive));
+    const std::optional<qint64> available = availableKb(freeBytesOf(drive));
     const qint64 required = requiredKb(model.state.sizeCaption());
     if (!available || required > *available) {
         const int answer = questions.msgBox(
@@ -201,3 +222,5 @@ bool StartJoin(MainModel& model) {
     WriteJoinScripts(model, outputFile);
     return true;
 }
+
+}  // namespace

@@ -8,6 +8,7 @@
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
+#include "list/ReadAhead.h"
 #include "platform/EventTurn.h"
 #include "platform/FileHelpers.h"
 
@@ -26,6 +27,22 @@ void addFileRow(MainModel& model, const QString& path) {
     const int row = model.items.addRow();
     model.items.setCell(row, 3, path);
     FillListItem(model, 0);
+}
+
+// The same with the cells that the loop's read-ahead read for the file at
+// index. They were read for the path and list type the loop began with; when
+// an event turn changed either since (the list laid out anew for the other
+// type, or the file enumerator set to another folder by a second adding),
+// the file of the path is read now.
+void addFileRow(MainModel& model, ReadAhead& files, int index, const QString& path) {
+    const int row = model.items.addRow();
+    model.items.setCell(row, 3, path);
+    ItemCellTexts cells = files.take(index);
+    if (files.path(index) == path && files.listType() == model.state.listType()) {
+        FillListItemWith(model, 0, cells);
+    } else {
+        FillListItem(model, 0);
+    }
 }
 
 void showAdding(ListState& state, const QString& text, int maximum) {
@@ -133,12 +150,17 @@ void AddFiles(MainModel& model) {
     if (last >= 1) {
         const QString& folder = pieces.first();
         const QString separator = folder.endsWith(u'/') ? QString() : QStringLiteral("/");
+        QStringList paths;
+        for (int i = 1; i <= last; ++i) {
+            paths.append(folder + separator + pieces.at(i));
+        }
+        ReadAhead files(paths, state.listType());
         for (int i = 1; i <= last; ++i) {
             showAdding(state, kAddingFiles, last);
             if (i == 1) {
                 state.setProgressValue(1);
             }
-            addFileRow(model, folder + separator + pieces.at(i));
+            addFileRow(model, files, i - 1, files.path(i - 1));
             if (afterRow(state, i)) {
                 break;
             }
@@ -173,12 +195,17 @@ void AddFolderFiles(MainModel& model, const QString& path) {
     if (!names.isEmpty()) {
         state.setCancelAddFiles(0);
         const int count = static_cast<int>(names.size());
+        QStringList paths;
+        for (const QString& name : names) {
+            paths.append(FolderFilePath(model.fileBrowserPath, name));
+        }
+        ReadAhead files(paths, state.listType());
         for (int i = 0; i < count; ++i) {
             showAdding(state, kAddingFiles, count);
             if (i == 0) {
                 state.setProgressValue(1);
             }
-            addFileRow(model, FolderFilePath(model.fileBrowserPath, names.at(i)));
+            addFileRow(model, files, i, FolderFilePath(model.fileBrowserPath, names.at(i)));
             if (afterRow(state, i + 1)) {
                 UpdateListTotals(model);
                 return;
@@ -189,7 +216,10 @@ void AddFolderFiles(MainModel& model, const QString& path) {
 }
 
 void AddFolderTree(MainModel& model, const QString& path) {
-    if (!IsDirectoryPath(path)) {
+    // A folder that cannot be read (lost+found, another user's folder) is
+    // passed over with everything below it: listing it would give the files
+    // of the folder before it a second time.
+    if (!IsDirectoryPath(path) || !FolderCanBeListed(path)) {
         return;
     }
     AddFolderFiles(model, path);
@@ -204,13 +234,14 @@ void AddFolderTree(MainModel& model, const QString& path) {
 void AddDroppedFiles(MainModel& model, const QStringList& paths) {
     ListState& state = model.state;
     const int last = static_cast<int>(paths.size());
+    ReadAhead files(paths, state.listType());
     for (int i = 1; i <= last; ++i) {
         state.setCancelAddFiles(0);
         showAdding(state, kAddingFiles, last);
         if (i == 1) {
             state.setProgressValue(1);
         }
-        addFileRow(model, paths.at(i - 1));
+        addFileRow(model, files, i - 1, paths.at(i - 1));
         if (afterRow(state, i)) {
             break;
         }

@@ -1,23 +1,31 @@
 #include "list/FillListItem.h"
 
 #include "list/MainModel.h"
-#include "media/ItemCells.h"
 
-void FillListItem(MainModel& model, int row) {
+namespace {
+// The row that row 0 stands for; 0 when the row isn't there (row 0 of an
+// empty list), so that nothing happens.
+int rowToFill(const MainModel& model, int row) {
     if (row == 0) {
         row = model.items.count();
     }
-    // A row that isn't there (row 0 of an empty list) can't be read: nothing
-    // happens.
-    if (row < 1 || row > model.items.count()) {
+    return row >= 1 && row <= model.items.count() ? row : 0;
+}
+}  // namespace
+
+void FillListItem(MainModel& model, int row) {
+    row = rowToFill(model, row);
+    if (row == 0) {
         return;
     }
-    const QString path = model.items.cell(row, 3);
-    const ItemCellTexts cells = ItemCells(path, model.state.listType());
-    for (int cell = 0; cell < cells.size(); ++cell) {
-        if (cells[cell].has_value()) {
-            // A cell beyond the list's columns is refused by the list and skipped.
-            model.items.setCell(row, cell, *cells[cell]);
-        }
+    FillListItemWith(model, row, ItemCells(model.items.cell(row, 3), model.state.listType()));
+}
+
+void FillListItemWith(MainModel& model, int row, const ItemCellTexts& cells) {
+    row = rowToFill(model, row);
+    if (row == 0) {
+        return;
     }
+    // A cell beyond the list's columns is refused by the list and skipped.
+    model.items.setCells(row, cells);
 }

@@ -1,7 +1,13 @@
 #pragma once
 
+#include "media/ItemCells.h"
+
 struct MainModel;
 
 // Fills the cells of a row from the file whose path stands in its cell 3,
 // for the list type of the list. Row 0 means the last row.
 void FillListItem(MainModel& model, int row);
+
+// The same with the cells of the file read already (by a read-ahead of the
+// adding loop, for the list's present type). Row 0 means the last row.
+void FillListItemWith(MainModel& model, int row, const ItemCellTexts& cells);

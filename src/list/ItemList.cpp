@@ -20,6 +20,13 @@ void ItemList::addColumn(const QString& text, int widthTwips) {
     endInsertColumns();
 }
 
+void ItemList::setColumnWidth(int position, int widthTwips) {
+    if (position < 0 || position >= headerCount()) {
+        return;
+    }
+    columns_[position].width = widthTwips;
+}
+
 int ItemList::addRow(const QString& text) {
     return insertRow(count() + 1, text);
 }
@@ -131,6 +138,29 @@ bool ItemList::setCell(int position, int cell, const QString& text) {
     const QModelIndex at = index(position - 1, cell);
     emit dataChanged(at, at, {Qt::DisplayRole});
     return true;
+}
+
+void ItemList::setCells(int position, const QList<std::optional<QString>>& texts) {
+    if (position < 1 || position > count()) {
+        return;
+    }
+    QStringList& row = rows_[position - 1];
+    int first = -1;
+    int last = -1;
+    for (int cell = 0; cell < texts.size(); ++cell) {
+        if (!texts[cell].has_value() || (cell > 0 && cell >= headerCount())) {
+            continue;
+        }
+        while (row.size() <= cell) {
+            row.append(QString());
+        }
+        row[cell] = *texts[cell];
+        first = first < 0 ? cell : first;
+        last = cell;
+    }
+    if (first >= 0) {
+        emit dataChanged(index(position - 1, first), index(position - 1, last), {Qt::DisplayRole});
+    }
 }
 
 void ItemList::reorder(const QList<int>& order) {

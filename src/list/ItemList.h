@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <optional>
 
 // The one list of the program: ordered rows of text cells (the join order),
 // with the column headers beside them. Row positions count from 1. Cell 0 is
@@ -31,6 +32,9 @@ public:
     void addColumn(const QString& text, int widthTwips = kDefaultColumnWidth);
     int headerCount() const { return static_cast<int>(columns_.size()); }
     const Column& header(int position) const { return columns_.at(position); }  // 0-based
+    // A width the user gave a column (twips). It stays with the column until a
+    // layout routine clears the columns and adds them anew with their defaults.
+    void setColumnWidth(int position, int widthTwips);  // 0-based
 
     // Rows, positions from 1.
     int count() const { return static_cast<int>(rows_.size()); }
@@ -46,6 +50,10 @@ public:
     QString cell(int position, int cell) const;
     bool setCell(int position, int cell, const QString& text);
     const QStringList& cells(int position) const { return rows_.at(position - 1); }
+    // Writes the cells that have a value (entry i for cell i) as setCell does,
+    // skipping those beyond the last column, with one notice to the view for
+    // the whole row.
+    void setCells(int position, const QList<std::optional<QString>>& texts);
 
     // Removes every row for which keep[position - 1] is false, in one pass;
     // keep holds one entry per row. Returns the number of rows removed. The

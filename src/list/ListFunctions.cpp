@@ -143,9 +143,17 @@ void SaveList(MainModel& model, short saveAs) {
     }
     const QString path = dialog.fileName;
 
-    // A failed save leaves the old file (or no file) and never half a list.
-    // It has no message; the list takes the name all the same.
-    WriteFileWhole(path, ListFileText(model));
+    // A failed save leaves the old file (or no file) and never half a list,
+    // says why, and leaves the list's name and title as they were: the user
+    // must not believe the list is saved. A folder that allows no new file
+    // but lets the list file be changed gets the file written in place.
+    QString reason;
+    if (!WriteFileWhole(path, ListFileText(model), true, &reason)) {
+        model.questions.msgBox(QStringLiteral("Unable to save the list!") + QStringLiteral("\r\n") +
+                                   path + QStringLiteral("\r\n\r\n") + reason,
+                               Msg::OkOnly + Msg::Critical);
+        return;
+    }
     model.state.setWindowTitle(ListWindowTitle(path));
     model.state.setListFileName(path);
 }

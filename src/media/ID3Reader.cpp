@@ -1,5 +1,7 @@
 #include "media/ID3Reader.h"
 
+#include "media/MpegFrameHeader.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -215,11 +217,6 @@ private:
     QByteArray bytes_;
 };
 
-// The digits of the bit text from position a (from 1), at most count of them.
-QString Digits(const QString& bitText, int a, int count) {
-    return bitText.mid(a - 1, count);
-}
-
 // Opens the file for reading and writing without changing it; the tag writes
 // go through this.
 bool OpenForWriting(QFile& file) {
@@ -390,72 +387,50 @@ void ID3Reader::ReadMpegHeader() {
         bytes.byteAt(syncPosition + entry - 1, entries[entry]);
     }
 
-    // 5., 6. The header as binary digits, leading zeros dropped.
+    // 5., 6. The header as binary digits, leading zeros dropped; the fields
+    // are cut out of that text by position, so a text shorter than 32 digits
+    // shifts them all.
     const QString bits = BytesToBitText(entries);
-    const auto n = [&bits](int a, int count) {
-        std::int32_t value = 0;
-        BitTextToNumber(Digits(bits, a, count), value);
-        return value;
-    };
+    std::uint32_t digits = 0;
+    for (const QChar digit : bits) {
+        digits = (digits << 1) | (digit == QLatin1Char('1') ? 1u : 0u);
+    }
+    const int known = static_cast<int>(bits.size());
+    const MpegFrameHeader header(known == 0 ? 0 : digits << (32 - known), known);
 
     // 7. Version, layer, mode, channels, emphasis.
-    static const std::int16_t kVersions[] = {25, 0, 2, 1};
-    static const std::int16_t kLayers[] = {0, 3, 2, 1};
-    static const char* const kModes[] = {"Stereo", "Joint Stereo", "Dual Channel",
-                                         "Single Channel"};
-    static const char* const kEmphases[] = {"None", "50/15", "Reserved", "CCITT J 17"};
-    mpegVersion_ = kVersions[n(12, 2) & 3];
-    layerVersion_ = kLayers[n(14, 2) & 3];
-    mode_ = QString::fromLatin1(kModes[n(25, 2) & 3]);
-    channels_ = mode_ == QLatin1String("Single Channel") ? 1 : 2;
-    emphasis_ = QString::fromLatin1(kEmphases[n(31, 2) & 3]);
+    mpegVersion_ = static_cast<std::int16_t>(header.mpegVersion());
+    layerVersion_ = static_cast<std::int16_t>(header.layer());
+    mode_ = QString::fromLatin1(header.modeName());
+    channels_ = static_cast<std::int16_t>(header.channels());
+    emphasis_ = QString::fromLatin1(header.emphasisName());
 
     // 8. Only MPEG-1 goes on; sample-rate index 3 has no entry.
     if (mpegVersion_ != 1) {
         hz_ = 0;
         return;
     }
-    static const std::int32_t kRates[] = {44100, 48000, 32000};
-    const std::int32_t rateIndex = n(21, 2);
-    if (rateIndex >= 0 && rateIndex < 3) {
-        hz_ = kRates[rateIndex];
+    if (header.sampleRateIndex() < 3) {
+        hz_ = header.sampleRateHz();
     }
 
     // 9. Bit rate from the table of the layer; the reserved layer is marked 1.
-    static const std::int16_t kLayer1[] = {0,   32,  64,  96,  128, 160, 192, 224,
-                                           256, 288, 320, 352, 384, 416, 448};
-    static const std::int16_t kLayer2[] = {0,   32,  48,  56,  64,  80,  96, 112,
-                                           128, 160, 192, 224, 256, 320, 384};
-    static const std::int16_t kLayer3[] = {0,   32,  40,  48,  56,  64,  80, 96,
-                                           112, 128, 160, 192, 224, 256, 320};
-    const std::int16_t* table = nullptr;
-    switch (mpegVersion_ * 10 + layerVersion_) {
-        case 11:
-            table = kLayer1;
-            break;
-        case 12:
-            table = kLayer2;
-            break;
-        case 13:
-            table = kLayer3;
-            break;
-        default:
-            kbits_ = 1;
-            return;
+    if (layerVersion_ == 0) {
+        kbits_ = 1;
+        return;
     }
-    const std::int32_t rateEntry = n(17, 4);
-    if (rateEntry >= 0 && rateEntry < 15) {
-        kbits_ = table[rateEntry];
+    if (header.bitrateIndex() < 15) {
+        kbits_ = static_cast<std::int16_t>(header.bitrateKbps());
     }
 
     // 10. The yes-or-no flags, each from its one digit; a missing digit
     // leaves the flag empty.
-    const auto flag = [&bits](int position, const char* zero, const char* one, QString& target) {
-        const QString digit = Digits(bits, position, 1);
-        if (digit.isEmpty()) {
+    const auto flag = [&header](int position, const char* zero, const char* one, QString& target) {
+        const std::optional<std::uint32_t> digit = header.field(position, 1);
+        if (!digit) {
             return;
         }
-        target = QString::fromLatin1(digit == QLatin1String("1") ? one : zero);
+        target = QString::fromLatin1(*digit == 1 ? one : zero);
     };
     flag(30, "No", "Yes", original_);
     flag(29, "No", "Yes", copyrighted_);

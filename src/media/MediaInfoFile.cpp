@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cwchar>
+#include <mutex>
 #include <string>
 
 #include "media/Utf8Locale.h"
@@ -50,6 +51,11 @@ QString MediaInfoFile::inform(const QString& templateText) {
         return {};
     }
     const std::wstring text = templateText.toStdWString();
+    // The library keeps the "Inform" template for the whole process, not per
+    // handle: files read on several threads at once take turns from setting
+    // the template to copying the answer.
+    static std::mutex informTurn;
+    const std::lock_guard<std::mutex> turn(informTurn);
     MediaInfo_Option(handle_, L"Inform", text.c_str());
     return MediaText(MediaInfo_Inform(handle_, 0));
 }

@@ -1,5 +1,6 @@
 #include "platform/FileHelpers.h"
 
+#include <dirent.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -66,19 +67,36 @@ bool IsDirectoryPath(const QString& path) {
     return statPath(path, info) && S_ISDIR(info.st_mode);
 }
 
-bool WriteFileWhole(const QString& path, const QByteArray& content, bool directWriteFallback) {
+bool FolderCanBeListed(const QString& path) {
+    DIR* folder = ::opendir(QFile::encodeName(path).constData());
+    if (folder == nullptr) {
+        return false;
+    }
+    ::closedir(folder);
+    return true;
+}
+
+bool WriteFileWhole(const QString& path, const QByteArray& content, bool directWriteFallback,
+                    QString* reason) {
     QSaveFile file(path);
     file.setDirectWriteFallback(directWriteFallback);
-    if (!file.open(QIODevice::WriteOnly)) {
+    const auto fail = [&] {
+        if (reason != nullptr) {
+            *reason = file.errorString();
+        }
         return false;
+    };
+    if (!file.open(QIODevice::WriteOnly)) {
+        return fail();
     }
     // A short write must be caught here: the save file would otherwise
     // commit what it got.
     if (file.write(content) != content.size() || !file.flush()) {
+        const bool failed = fail();
         file.cancelWriting();
-        return false;
+        return failed;
     }
-    return file.commit();
+    return file.commit() || fail();
 }
 
 bool MakeFolderPath(QString& path) {

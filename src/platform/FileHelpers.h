@@ -18,6 +18,10 @@ bool FileExists(const QString& path);
 // True when the path names an existing folder.
 bool IsDirectoryPath(const QString& path);
 
+// True when the folder's entries can be read by this process now: it is
+// opened for listing, which is what decides, whoever the user is.
+bool FolderCanBeListed(const QString& path);
+
 // Creates a folder and every missing folder above it. A trailing separator is
 // removed from the caller's text, in place. False when a level could not be
 // made (the walk stops there); callers may ignore it.
@@ -28,9 +32,10 @@ bool MakeFolderPath(QString& path);
 // written and flushed, so a failed write (a full disk, a size limit) leaves
 // the old file, or no file. With directWriteFallback, a file in a folder
 // that allows no new file is written in place instead. True when the file
-// now holds the bytes.
+// now holds the bytes; otherwise the system's reason goes to reason, when
+// given.
 bool WriteFileWhole(const QString& path, const QByteArray& content,
-                    bool directWriteFallback = false);
+                    bool directWriteFallback = false, QString* reason = nullptr);
 
 // The folder that holds the system's file-manager launcher, or the empty text.
 QString GetWindowsFolder();

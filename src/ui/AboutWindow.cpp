@@ -9,6 +9,7 @@
 #include "app/Version.h"
 #include "list/MainModel.h"
 #include "ui/HelpCommands.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
@@ -19,6 +20,7 @@ constexpr int kInnerHeight = 3000;
 
 AboutWindow::AboutWindow(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("AboutWindow"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("About"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());

@@ -7,15 +7,15 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QStorageInfo>
 #include <QTimer>
 #include <QTreeView>
-#include <algorithm>
 
 #include "app/IniFile.h"
 #include "list/AddFilesModule.h"
 #include "list/MainModel.h"
+#include "platform/Drives.h"
 #include "platform/FileHelpers.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 
 namespace {
@@ -42,6 +42,7 @@ bool isUnder(const QString& path, const QString& root) {
 AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("AddDirectoryBox"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("Add Directory"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
@@ -53,18 +54,7 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     driveBox_ = new QComboBox(this);
     driveBox_->setObjectName(QStringLiteral("DriveBox"));
     driveBox_->setGeometry(Twips::rect(120, 420, 4440, 315));
-    QStringList roots;
-    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        if (volume.isValid() && volume.isReady() && IsDirectoryPath(volume.rootPath())) {
-            roots.append(volume.rootPath());
-        }
-    }
-    if (!roots.contains(QStringLiteral("/"))) {
-        roots.append(QStringLiteral("/"));
-    }
-    std::sort(roots.begin(), roots.end());
-    roots.removeDuplicates();
-    for (const QString& root : roots) {
+    for (const QString& root : DriveRoots()) {
         driveBox_->addItem(root, root);
     }
     driveBox_->setCurrentIndex(driveBox_->findData(QStringLiteral("/")));
@@ -125,16 +115,17 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     connect(driveBox_, &QComboBox::currentIndexChanged, this, &AddDirectoryBox::onDriveChanged);
 
     // The load step: the remembered folder, or the root where none is set;
-    // then the drive that holds it (whose change step shows that folder).
+    // then the drive that holds it. Showing a folder does not make it its
+    // drive's current folder, so when that drive is another one than DriveBox
+    // starts on, the drive's change step shows the drive's current folder in
+    // place of the remembered one. On the starting drive nothing changes and
+    // the remembered folder stays.
     const QString remembered =
         ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"));
-    if (remembered.isEmpty()) {
-        setDirPath(QStringLiteral("/"));
-    } else {
-        setDirPath(remembered);
-    }
+    loading_ = true;
+    setDirPath(remembered.isEmpty() ? QStringLiteral("/") : remembered);
+    loading_ = false;
     setDrive(driveOf(path_));
-    onDriveChanged(driveBox_->currentIndex());
     driveBox_->setFocus();
 }
 
@@ -143,7 +134,9 @@ void AddDirectoryBox::setDirPath(const QString& path) {
         return;
     }
     path_ = normalFolder(path);
-    currentFolderOfDrive_.insert(driveOf(path_), path_);
+    if (!loading_) {
+        currentFolderOfDrive_.insert(driveOf(path_), path_);
+    }
     showPathInTree();
 }
 

@@ -27,7 +27,8 @@ public:
     void setDirPath(const QString& path);
 
     // The mount point selected in DriveBox. Choosing one shows that drive's
-    // current folder in DirBox: the last folder shown on it, else its root.
+    // current folder in DirBox: the last folder chosen on it since the window
+    // opened, else its root.
     QString drive() const;
     void setDrive(const QString& rootPath);
 
@@ -55,4 +56,5 @@ private:
     QString path_ = QStringLiteral("/");
     QHash<QString, QString> currentFolderOfDrive_;
     bool syncingTree_ = false;
+    bool loading_ = false;  // the load step shows the remembered folder
 };

@@ -1,7 +1,11 @@
 #include "ui/AppLauncher.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QTimer>
+#include <QWindow>
 
 #include "app/Startup.h"
 #include "platform/Shell.h"
@@ -18,6 +22,24 @@ bool checkBoxIsSet(QWidget* window, const char* name) {
     }
     auto* box = window->findChild<QCheckBox*>(QString::fromLatin1(name));
     return box != nullptr && box->checkState() == Qt::Checked;
+}
+
+// A dialog is centred over its parent when it shows. Right after show() the
+// window manager may not have placed the main window yet, so the dialogs of
+// the start-up wait (a short, bounded time) until it is on the screen.
+void waitUntilPlaced(QWidget* window) {
+    // Without a window manager (the offscreen platform) a window is placed at once.
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        return;
+    }
+    constexpr int kLongestWaitMs = 1000;
+    QElapsedTimer waited;
+    waited.start();
+    while (window->windowHandle() != nullptr && !window->windowHandle()->isExposed() &&
+           waited.elapsed() < kLongestWaitMs) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    QCoreApplication::processEvents();
 }
 }  // namespace
 
@@ -73,6 +95,7 @@ void AppLauncher::handOver() {
         splash_->close();
     }
     mainWindow_->show();
+    waitUntilPlaced(mainWindow_.get());
     NewListAtStartup = -1;
     mainWindow_->showNewList();
     QDialog* tips = mainWindow_->tipsWindow;

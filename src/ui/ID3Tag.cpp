@@ -10,6 +10,7 @@
 #include "list/MainModel.h"
 #include "media/GenreComboTarget.h"
 #include "media/ID3Reader.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 
 namespace {
@@ -20,6 +21,7 @@ constexpr int kFieldLeft = 1200;
 
 ID3Tag::ID3Tag(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("ID3Tag"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("ID3 Tag Editor"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());

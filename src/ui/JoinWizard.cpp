@@ -15,6 +15,7 @@
 #include "join/JoinWizardState.h"
 #include "list/MainModel.h"
 #include "ui/ID3Tag.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
@@ -40,6 +41,7 @@ JoinWizard::JoinWizard(MainModel& model, QWidget* parent)
       state_(std::make_unique<JoinWizardState>()),
       run_(std::make_unique<JoinRun>(model, *state_)) {
     setObjectName(QStringLiteral("JoinWizard"));
+    ProgramLook::apply(this);
     setModal(true);
     setFixedSize(
         Twips::rect(0, 0, JoinWizardState::kInnerWidthTwips, JoinWizardState::kInnerHeightTwips)

@@ -52,6 +52,8 @@ ListViewControl::ListViewControl(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     horizontalHeader()->setStretchLastSection(false);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this,
+            &ListViewControl::keepUserWidth);
 }
 
 void ListViewControl::applyColumnWidths() {
@@ -59,9 +61,22 @@ void ListViewControl::applyColumnWidths() {
     if (list == nullptr) {
         return;
     }
+    applyingWidths_ = true;
     for (int c = 0; c < list->headerCount(); ++c) {
         setColumnWidth(c, Twips::toPixels(list->header(c).width));
     }
+    applyingWidths_ = false;
+}
+
+void ListViewControl::keepUserWidth(int column, int /*oldWidth*/, int newWidth) {
+    auto* list = qobject_cast<ItemList*>(model());
+    // Only a width the user set is kept; the header's own resets (a new model,
+    // columns laid out anew) go through applyColumnWidths.
+    if (list == nullptr || applyingWidths_ || column >= list->headerCount() ||
+        horizontalHeader()->count() != list->headerCount()) {
+        return;
+    }
+    list->setColumnWidth(column, Twips::fromPixels(newWidth));
 }
 
 QStringList ListViewControl::droppedPaths(const QMimeData* data) {

@@ -13,7 +13,8 @@ public:
     explicit ListViewControl(QWidget* parent = nullptr);
 
     // Sets every column to the width of its header (twips), Filepath included
-    // with its width 0.
+    // with its width 0. A column the user dragged keeps the width he gave it,
+    // since the drag writes that width into the header of the list.
     void applyColumnWidths();
 
     // The local paths of a drop, in order (text/uri-list).
@@ -30,4 +31,9 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+
+private:
+    void keepUserWidth(int column, int oldWidth, int newWidth);
+
+    bool applyingWidths_ = false;
 };

@@ -15,11 +15,14 @@
 #include <QToolButton>
 
 #include "app/Version.h"
+#include "list/ListviewLayout.h"
 #include "ui/ImageButton.h"
 #include "ui/LinkLabel.h"
 #include "ui/ListViewControl.h"
 #include "ui/NewListWindow.h"
+#include "ui/PaintThrottle.h"
 #include "ui/Pictures.h"
+#include "ui/ProgramLook.h"
 #include "ui/StatusBarControl.h"
 #include "ui/StatusBoxes.h"
 #include "ui/Twips.h"
@@ -45,8 +48,8 @@ const QString kOnlyKeepDesignCaption = QStringLiteral("&Only Keep [Bitrate] Item
 MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* parent)
     : QMainWindow(parent), model_(questions, clipboard) {
     setObjectName(QStringLiteral("MainWindow"));
+    ProgramLook::apply(this);
     setWindowTitle(Version::kProgramTitle);
-    setFont(QFont(QStringLiteral("Verdana"), 8));
     exitProgram = [] { QCoreApplication::exit(0); };
 
     client_ = new QWidget(this);
@@ -56,6 +59,9 @@ MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* pare
     buildMenus();
     buildToolbar();
     buildClientControls();
+    // Before any layout has run, the list carries the four shared columns in
+    // their design widths; the first layout routine replaces them.
+    AddSharedColumns(model_);
 
     WireMainCommands(*this, commands_);
 
@@ -63,6 +69,7 @@ MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* pare
     connect(&model_.state, &ListState::listFocusRequested, listView_,
             [this] { listView_->setFocus(); });
     client_->installEventFilter(this);
+    new PaintThrottle(this);
 
     // Load step: panel 1 shows the name and version with a trailing blank; the
     // progress bar lies over panel 1, the cancel link inside panel 2.
@@ -238,7 +245,8 @@ void MainWindow::buildToolbar() {
         QStringLiteral("QToolBar { spacing: 0px; padding: 0px; }"
                        "QToolButton { font-size: 7pt; padding: 1px 1px; margin: 0px; }"
                        "QToolButton[popupMode=\"1\"] { padding-right: 11px; }"
-                       "QToolButton::menu-button { width: 10px; }"));
+                       "QToolButton::menu-button { width: 10px; border: none;"
+                       " background: transparent; }"));
 
     struct Button {
         const char* caption;
@@ -381,11 +389,13 @@ void MainWindow::buildClientControls() {
         image->setGeometry(Twips::rect(left, top, 240, 240));
         image->setPixmap(Pictures::pixmap(picture, image->size()));
     };
+    // The values are as wide as the panel allows, so the largest figures
+    // (a million rows, 999,999,999 KB) show whole.
     figureImage(QStringLiteral("ListCountImage"), QStringLiteral("figure_count"), 180, 535);
     addInfoLabel(QStringLiteral("ListCountLabel"), QStringLiteral("Total items in list:"), 490, 560,
                  1755, true);
     listCountValue_ =
-        addInfoLabel(QStringLiteral("ListCountValue"), QStringLiteral("0"), 2385, 555, 420, false);
+        addInfoLabel(QStringLiteral("ListCountValue"), QStringLiteral("0"), 2385, 555, 1300, false);
     figureImage(QStringLiteral("ListDurationImage"), QStringLiteral("figure_duration"), 3780, 200);
     addInfoLabel(QStringLiteral("ListDurationLabel"), QStringLiteral("Duration:"), 4080, 225, 900,
                  true);
@@ -394,8 +404,8 @@ void MainWindow::buildClientControls() {
     figureImage(QStringLiteral("ListSizeImage"), QStringLiteral("figure_size"), 3780, 535);
     addInfoLabel(QStringLiteral("ListSizeLabel"), QStringLiteral("Filesize:"), 4080, 555, 810,
                  true);
-    listSizeValue_ = addInfoLabel(QStringLiteral("ListSizeValue"), QStringLiteral("0 KB"), 5040,
-                                  555, 1260, false);
+    listSizeValue_ = addInfoLabel(QStringLiteral("ListSizeValue"), QStringLiteral("0 KB"), 4950,
+                                  555, 1460, false);
 
     statusBar_ = new StatusBarControl(client_);
     statusBar_->panel(3)->setToolTip(QStringLiteral("Status Indicator"));
@@ -488,20 +498,49 @@ void MainWindow::changeEvent(QEvent* event) {
 
 // ---------------------------------------------------------------- state
 
+namespace {
+// Each control is touched only when its value differs from what it shows, so
+// a change of one value (the bar's, while files are added) costs one control.
+void showText(QLabel* label, const QString& text) {
+    if (label->text() != text) {
+        label->setText(text);
+    }
+}
+}  // namespace
+
+void MainWindow::showPicture(QLabel* label, std::optional<ListState::Picture>& shown,
+                             ListState::Picture picture, const QSize& size) {
+    if (shown == picture) {
+        return;
+    }
+    shown = picture;
+    label->setPixmap(Pictures::forState(picture, size));
+}
+
 void MainWindow::refreshFromState() {
     const ListState& s = model_.state;
-    setWindowTitle(s.windowTitle());
-    listTypeValue_->setText(s.listType());
-    listTypeImage_->setPixmap(Pictures::forState(s.typeImage(), listTypeImage_->size()));
-    listCountValue_->setText(s.countCaption());
-    listDurationValue_->setText(s.durationCaption());
-    listSizeValue_->setText(s.sizeCaption());
-    statusBar_->panel(2)->setText(s.statusPanel2());
-    statusBar_->panel(3)->setPixmap(Pictures::forState(s.statusPicture(), QSize(12, 12)));
-    progressBar_->setMaximum(s.progressMax());
-    progressBar_->setValue(s.progressValue());
-    progressBar_->setVisible(s.progressVisible());
-    cancelOverlay_->setVisible(s.cancelOverlayVisible());
+    if (windowTitle() != s.windowTitle()) {
+        setWindowTitle(s.windowTitle());
+    }
+    showText(listTypeValue_, s.listType());
+    showPicture(listTypeImage_, shownTypeImage_, s.typeImage(), listTypeImage_->size());
+    showText(listCountValue_, s.countCaption());
+    showText(listDurationValue_, s.durationCaption());
+    showText(listSizeValue_, s.sizeCaption());
+    showText(statusBar_->panel(2), s.statusPanel2());
+    showPicture(statusBar_->panel(3), shownStatusPicture_, s.statusPicture(), QSize(12, 12));
+    if (progressBar_->maximum() != s.progressMax()) {
+        progressBar_->setMaximum(s.progressMax());
+    }
+    if (progressBar_->value() != s.progressValue()) {
+        progressBar_->setValue(s.progressValue());
+    }
+    if (progressBar_->isHidden() == s.progressVisible()) {
+        progressBar_->setVisible(s.progressVisible());
+    }
+    if (cancelOverlay_->isHidden() == s.cancelOverlayVisible()) {
+        cancelOverlay_->setVisible(s.cancelOverlayVisible());
+    }
     selectIndexInView(s.selectedIndex());
 }
 

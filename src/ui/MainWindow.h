@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <functional>
+#include <optional>
 
 #include "list/MainModel.h"
 #include "ui/MainCommands.h"
@@ -97,6 +98,8 @@ private:
                          bool bold);
     void layoutClient();
     void refreshFromState();
+    void showPicture(QLabel* label, std::optional<ListState::Picture>& shown,
+                     ListState::Picture picture, const QSize& size);
     void selectionChangedInView();
     void selectIndexInView(int index);
     void deleteButtonMouseUp(Qt::MouseButton button);
@@ -124,6 +127,10 @@ private:
     QLabel* listSizeValue_ = nullptr;
     QHash<QString, QAction*> actions_;
     QHash<QString, QMenu*> menus_;
+    // The pictures the type image and status panel show now (none before the
+    // first refresh).
+    std::optional<ListState::Picture> shownTypeImage_;
+    std::optional<ListState::Picture> shownStatusPicture_;
     bool syncingSelection_ = false;
     bool layingOut_ = false;
 };

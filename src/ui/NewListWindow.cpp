@@ -10,6 +10,7 @@
 
 #include "app/WindowSettings.h"
 #include "ui/Pictures.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 
 short NewListAtStartup = 0;
@@ -40,7 +41,7 @@ NewListWindow::NewListWindow(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("NewList"));
     setWindowTitle(QStringLiteral("New List"));
     setModal(true);
-    setFont(QFont(QStringLiteral("Verdana"), 8));
+    ProgramLook::apply(this);
     setFixedSize(Twips::size(5400, 3780));
 
     auto* background = new QFrame(this);
@@ -48,7 +49,9 @@ NewListWindow::NewListWindow(QWidget* parent) : QDialog(parent) {
     background->setGeometry(Twips::rect(0, 0, 5400, 840));
     background->setAutoFillBackground(true);
     QPalette p = background->palette();
+    // The band is white under any desktop palette, so its text is dark too.
     p.setColor(QPalette::Window, Qt::white);
+    p.setColor(QPalette::WindowText, Qt::black);
     background->setPalette(p);
 
     auto* header = new QLabel(QStringLiteral("New List"), background);

@@ -10,6 +10,9 @@
 namespace Pictures {
 // ":/velmora/icons/<name>.svg"
 QString path(const QString& name);
+
+// The path of the program's own icon among the compiled-in pictures.
+QString programIconPath();
 QPixmap pixmap(const QString& name, const QSize& size);
 QIcon icon(const QString& name);
 // The list type icons and the three status dots; a null pixmap for None.

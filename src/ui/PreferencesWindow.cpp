@@ -11,12 +11,14 @@
 
 #include "app/WindowSettings.h"
 #include "list/MainModel.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
 namespace {
 // Window lengths are laid out in twips, 15 to a pixel.
-constexpr int kInnerWidth = 4680;
+// Wide enough for the whole line under the title in the program's font.
+constexpr int kInnerWidth = 5400;
 constexpr int kInnerHeight = 3360;
 
 // Check boxes keep their stored value: 0 clear, 1 checked, 2 greyed.
@@ -42,6 +44,7 @@ void setCheckValue(QCheckBox* box, int value) {
 PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("PreferencesWindow"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("Preferences"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
@@ -55,17 +58,17 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
 
     newListFrame_ = new QGroupBox(this);
     newListFrame_->setObjectName(QStringLiteral("NewListFrame"));
-    newListFrame_->setGeometry(Twips::rect(120, 840, 4455, 1860));
+    newListFrame_->setGeometry(Twips::rect(120, 840, kInnerWidth - 240, 1860));
 
     doNotShowSplash_ =
         new QCheckBox(QStringLiteral("Do not show 'Splashscreen' at startup"), newListFrame_);
     doNotShowSplash_->setObjectName(QStringLiteral("DoNotShowSplashscreenAtStartup"));
-    doNotShowSplash_->setGeometry(Twips::rect(240, 240, 4000, 300));
+    doNotShowSplash_->setGeometry(Twips::rect(240, 240, kInnerWidth - 720, 300));
 
     doNotShowNewList_ =
         new QCheckBox(QStringLiteral("Do not show 'New List' dialog at startup"), newListFrame_);
     doNotShowNewList_->setObjectName(QStringLiteral("DoNotShowNewListDialogAtStartup"));
-    doNotShowNewList_->setGeometry(Twips::rect(240, 600, 4000, 300));
+    doNotShowNewList_->setGeometry(Twips::rect(240, 600, kInnerWidth - 720, 300));
 
     auto* label1 = new QLabel(QStringLiteral("Default List Type:"), newListFrame_);
     label1->setObjectName(QStringLiteral("Label1"));
@@ -82,7 +85,7 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
 
     closeButton_ = new QPushButton(QStringLiteral("&Close"), this);
     closeButton_->setObjectName(QStringLiteral("CloseButton"));
-    closeButton_->setGeometry(Twips::rect(3600, 2850, 975, 375));
+    closeButton_->setGeometry(Twips::rect(kInnerWidth - 1095, 2850, 975, 375));
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
 
     // Ford lies below the visible area; it only takes the focus.

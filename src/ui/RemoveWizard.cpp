@@ -11,6 +11,7 @@
 
 #include "list/MainModel.h"
 #include "list/RemoveByValue.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
@@ -21,6 +22,7 @@ constexpr int kInnerHeight = 4200;
 
 RemoveWizard::RemoveWizard(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("RemoveWizard"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("Remove Wizard"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
@@ -133,6 +135,12 @@ void RemoveWizard::Finish() {
 }
 
 void RemoveWizard::Cancel() {
-    cancelRemove_ = -1;
     reject();
+}
+
+void RemoveWizard::reject() {
+    // The run looks at the flag after each round: without it a window hidden
+    // by Esc or its close box would go on removing rows unseen.
+    cancelRemove_ = -1;
+    QDialog::reject();
 }

@@ -25,6 +25,9 @@ public:
     // CancelButton: ends a run at its next round, and closes the window.
     void Cancel();
 
+    // Esc and the close box act as CancelButton, during a run too.
+    void reject() override;
+
     // CancelRemove: 0, or -1 once the user cancelled.
     short cancelRemove() const { return cancelRemove_; }
 

@@ -1,9 +1,12 @@
 #include "ui/ScreenshotScenes.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QFile>
 #include <QGuiApplication>
 #include <QHash>
 #include <QMenu>
+#include <QPalette>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
@@ -21,7 +24,12 @@ namespace {
 [[noreturn]] void SaveAndEnd(const QRect& area, const QString& file) {
     QScreen* screen = QGuiApplication::primaryScreen();
     QPixmap shot = screen->grabWindow(0);
-    const QRect crop = area.adjusted(-8, -8, 8, 8).intersected(shot.rect());
+    // The grab is in device pixels: at a scale factor the area grows with it.
+    const qreal ratio = shot.devicePixelRatio();
+    const QRect logical = area.adjusted(-8, -8, 8, 8);
+    const QRect crop = QRect(qRound(logical.x() * ratio), qRound(logical.y() * ratio),
+                             qRound(logical.width() * ratio), qRound(logical.height() * ratio))
+                           .intersected(QRect(QPoint(0, 0), shot.size()));
     const bool saved = shot.copy(crop).save(file);
     std::fprintf(stderr, "%s %s\n", saved ? "saved" : "could not save", qPrintable(file));
     std::fflush(nullptr);
@@ -43,6 +51,24 @@ void DropMedia(MainWindow& window) {
 
 using Scene = std::function<void(AppLauncher&, const QString& file)>;
 
+// A dark desktop palette, as a dark desktop theme gives the program.
+QPalette DarkPalette() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(45, 45, 48));
+    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Base, QColor(30, 30, 32));
+    dark.setColor(QPalette::AlternateBase, QColor(50, 50, 54));
+    dark.setColor(QPalette::Text, QColor(230, 230, 230));
+    dark.setColor(QPalette::Button, QColor(55, 55, 58));
+    dark.setColor(QPalette::ButtonText, QColor(230, 230, 230));
+    dark.setColor(QPalette::ToolTipBase, QColor(60, 60, 64));
+    dark.setColor(QPalette::ToolTipText, QColor(230, 230, 230));
+    dark.setColor(QPalette::Highlight, QColor(60, 110, 180));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(120, 170, 255));
+    return dark;
+}
+
 QHash<QString, Scene> Scenes() {
     QHash<QString, Scene> scenes;
     scenes.insert(QStringLiteral("splash"), [](AppLauncher& launcher, const QString& file) {
@@ -62,12 +88,40 @@ QHash<QString, Scene> Scenes() {
             SaveAndEnd(area, file);
         });
     });
-    scenes.insert(QStringLiteral("main"), [](AppLauncher& launcher, const QString& file) {
+    // Not a picture: the places of the main window and the start-up New List
+    // dialog, written as two lines "x y width height" of their client areas.
+    scenes.insert(QStringLiteral("placement"), [](AppLauncher& launcher, const QString& file) {
+        After(2800, [&launcher, file] {
+            QWidget* dialog = launcher.mainWindow()->findChild<QDialog*>(QStringLiteral("NewList"));
+            QFile out(file);
+            const bool written = dialog != nullptr && out.open(QIODevice::WriteOnly);
+            if (written) {
+                for (const QRect& r : {launcher.mainWindow()->geometry(), dialog->geometry()}) {
+                    out.write(QStringLiteral("%1 %2 %3 %4\n")
+                                  .arg(r.x())
+                                  .arg(r.y())
+                                  .arg(r.width())
+                                  .arg(r.height())
+                                  .toLatin1());
+                }
+                out.close();
+            }
+            std::fflush(nullptr);
+            std::_Exit(written ? 0 : 1);
+        });
+    });
+    const Scene main = [](AppLauncher& launcher, const QString& file) {
         After(600, [&launcher, file] {
             MainWindow& window = *launcher.mainWindow();
             DropMedia(window);
             After(400, [&window, file] { SaveAndEnd(window.frameGeometry(), file); });
         });
+    };
+    scenes.insert(QStringLiteral("main"), main);
+    // The main window under a dark desktop palette.
+    scenes.insert(QStringLiteral("maindark"), [main](AppLauncher& launcher, const QString& file) {
+        QApplication::setPalette(DarkPalette());
+        main(launcher, file);
     });
     scenes.insert(QStringLiteral("contextmenu"), [](AppLauncher& launcher, const QString& file) {
         After(600, [&launcher, file] {

@@ -7,5 +7,6 @@ class AppLauncher;
 // the program sets the scene up as a user would, saves a picture of the screen
 // around it and ends. VELMORA_SCREENSHOT_MEDIA may list files (separated by
 // ':') that are dropped on the list first. Without these variables nothing
-// changes. Known scenes: splash, newlist, main, contextmenu.
+// changes. Known scenes: splash, newlist, main, maindark (a dark
+// palette), contextmenu.
 void PrepareScreenshotScene(AppLauncher& launcher);

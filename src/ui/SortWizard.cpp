@@ -9,6 +9,7 @@
 
 #include "list/MainModel.h"
 #include "list/SortList.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
@@ -19,6 +20,7 @@ constexpr int kInnerHeight = 3075;
 
 SortWizard::SortWizard(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("SortWizard"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("Sort Wizard"));
     setModal(true);
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());

@@ -10,6 +10,7 @@
 #include "app/Version.h"
 #include "ui/LinkLabel.h"
 #include "ui/Pictures.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 
 namespace {
@@ -51,8 +52,8 @@ QString Splashscreen::disclaimerText() {
 Splashscreen::Splashscreen(QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint) {
     setObjectName(QStringLiteral("Splashscreen"));
+    ProgramLook::apply(this);
     setWindowTitle(Version::kProgramTitle);
-    setFont(QFont(QStringLiteral("Verdana"), 8));
     setFixedSize(Twips::size(kWidthTwips, kHeightTwips));
     setAttribute(Qt::WA_DeleteOnClose);
 

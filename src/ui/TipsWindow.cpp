@@ -14,6 +14,7 @@
 #include "app/IniFile.h"
 #include "app/WindowSettings.h"
 #include "list/MainModel.h"
+#include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 #include "ui/WindowHeader.h"
 
@@ -50,6 +51,7 @@ QString errorText() {
 
 TipsWindow::TipsWindow(MainModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setObjectName(QStringLiteral("TipsWindow"));
+    ProgramLook::apply(this);
     setWindowTitle(QStringLiteral("Tip of the day"));
     setFixedSize(Twips::rect(0, 0, kInnerWidth, kInnerHeight).size());
 

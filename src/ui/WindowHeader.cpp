@@ -17,6 +17,9 @@ Labels build(QWidget* window, int innerWidth, const QPixmap& picture, const QStr
     QPalette white = labels.background->palette();
     white.setColor(QPalette::Window, Qt::white);
     labels.background->setPalette(white);
+    // The band is white under any desktop palette, so its text is painted dark.
+    QPalette dark = window->palette();
+    dark.setColor(QPalette::WindowText, Qt::black);
     labels.background->setGeometry(Twips::rect(0, 0, innerWidth, 735));
 
     labels.image = new QLabel(window);
@@ -29,6 +32,7 @@ Labels build(QWidget* window, int innerWidth, const QPixmap& picture, const QStr
         labels.text->setText(text);
     }
     labels.text->setObjectName(QStringLiteral("HeaderText"));
+    labels.text->setPalette(dark);
     QFont bold = textFont.value_or(labels.text->font());
     bold.setBold(true);
     labels.text->setFont(bold);
@@ -39,6 +43,7 @@ Labels build(QWidget* window, int innerWidth, const QPixmap& picture, const QStr
         labels.subText->setText(subText);
     }
     labels.subText->setObjectName(QStringLiteral("HeaderSubText"));
+    labels.subText->setPalette(dark);
     labels.subText->setGeometry(Twips::rect(1080, 360, textWidth, 255));
 
     return labels;

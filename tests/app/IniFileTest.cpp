@@ -7,6 +7,7 @@
 #include "app/AppPaths.h"
 #include "app/IniFile.h"
 #include "support/FileSizeLimit.h"
+#include "support/PlainUser.h"
 
 namespace {
 
@@ -207,6 +208,59 @@ TEST_F(IniFileTest, WriteIniValue_ReadOnlyFile_BecomesWritableAndIsWritten) {
     EXPECT_EQ(write("Tips", "ShowAtStartup", "0", path()), -1);
     EXPECT_TRUE(QFile::permissions(path()) & QFile::WriteOwner);
     EXPECT_EQ(read("Tips", "ShowAtStartup", path()), QStringLiteral("0"));
+}
+
+// A settings file in a folder that takes no new file, the file itself not
+// writable either (for a plain user): the file stays as it was and the
+// reporter learns the file and the system's reason, once.
+TEST_F(IniFileTest, WriteIniValue_FileThatCannotBeWritten_IsReportedOnceWithTheReason) {
+    const QString folder = path("closed");
+    const QString file = folder + QStringLiteral("/Settings.ini");
+    QDir().mkpath(folder);
+    writeBytes(file, "[Tips]\nShowAtStartup=1\n");
+    QFile::setPermissions(dir.path(), QFileDevice::Permissions(0x7755));
+    QFile::setPermissions(file, QFileDevice::Permissions(0x4444));
+    QFile::setPermissions(folder, QFileDevice::Permissions(0x5555));
+    QStringList reports;
+    SetIniWriteFailureReporter(
+        [&](const QString& f, const QString& reason) { reports << f + u'|' + reason; });
+    short first = 0;
+    short second = 0;
+    {
+        PlainUser user;
+        first = write("Tips", "ShowAtStartup", "0", file);
+        second = write("Tips", "Other", "1", file);
+    }
+    SetIniWriteFailureReporter({});
+    QFile::setPermissions(folder, QFileDevice::Permissions(0x7755));
+    EXPECT_EQ(first, 0);
+    EXPECT_EQ(second, 0);
+    EXPECT_EQ(readBytes(file), "[Tips]\nShowAtStartup=1\n");
+    ASSERT_EQ(reports.size(), 1);
+    EXPECT_TRUE(reports[0].startsWith(file + u'|')) << reports[0].toStdString();
+    EXPECT_TRUE(reports[0].endsWith("Permission denied") || reports[0].endsWith("is not writable"))
+        << reports[0].toStdString();
+}
+
+TEST_F(IniFileTest, WriteIniValue_WorkingWriteAfterAFailure_ReportsTheNextFailureAgain) {
+    QStringList reports;
+    SetIniWriteFailureReporter([&](const QString& f, const QString&) { reports << f; });
+    const QString missing = path("gone/Settings.ini");
+    EXPECT_EQ(write("A", "k", "1", missing), 0);
+    EXPECT_EQ(write("A", "k", "2", missing), 0);
+    EXPECT_EQ(reports.size(), 1);
+    ASSERT_TRUE(QDir().mkpath(path("gone")));
+    EXPECT_EQ(write("A", "k", "3", missing), -1);
+    EXPECT_EQ(reports.size(), 1);
+    ASSERT_TRUE(QDir(path("gone")).removeRecursively());
+    EXPECT_EQ(write("A", "k", "4", missing), 0);
+    EXPECT_EQ(reports, QStringList({missing, missing}));
+    SetIniWriteFailureReporter({});
+}
+
+TEST(IniWriteFailureMessage, NamesTheFileAndTheReason) {
+    EXPECT_EQ(IniWriteFailureMessage("/home/u/Settings.ini", "Disk full"),
+              "Unable to save the settings!\r\n/home/u/Settings.ini\r\n\r\nDisk full");
 }
 
 TEST_F(IniFileTest, WriteIniValue_ValueWithNonAsciiText_RoundTripsAsUtf8) {

@@ -50,12 +50,14 @@ TEST(InstallFolder, BuildOutputFolder_HoldsAllFiveFilesBesideTheProgram) {
     expectCompleteInstallFolder(buildOutputFolder());
 }
 
-TEST(InstallFolder, ToolCopies_AreTheDebianTools) {
+TEST(InstallFolder, ToolCopies_AreTheDebianToolsAndTheBuiltFixTool) {
     if (!programBuilt()) {
         GTEST_SKIP() << "the velmora target is not built in this build folder";
     }
-    const QList<QPair<QString, QString>> tools = {
-        {"MP3.dll", "vbrfix"}, {"MPEG.dll", "mpgtx"}, {"MPEG2.dll", "ffmpeg"}};
+    EXPECT_EQ(QFileInfo(buildOutputFolder() + "/MP3.dll").canonicalFilePath(),
+              QFileInfo(VELMORA_MP3_FIX_TOOL).canonicalFilePath());
+    EXPECT_TRUE(QFileInfo(buildOutputFolder() + "/MP3.dll").isExecutable());
+    const QList<QPair<QString, QString>> tools = {{"MPEG.dll", "mpgtx"}, {"MPEG2.dll", "ffmpeg"}};
     for (const auto& [copy, tool] : tools) {
         const QFileInfo original(QFileInfo("/usr/bin/" + tool).canonicalFilePath());
         ASSERT_TRUE(original.exists()) << qPrintable(tool);

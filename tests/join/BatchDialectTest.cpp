@@ -20,7 +20,7 @@ TEST(BatchDialect, Lines_AreTheCommandProcessorsWithCrLf) {
     EXPECT_EQ(bat.echoLine("Joined Succesfully!"), "echo Joined Succesfully!");
     EXPECT_EQ(bat.exitLine(), "exit");
     EXPECT_TRUE(bat.stopIfGoneLines("C:\\a\\TempFile.bat").isEmpty());
-    EXPECT_FALSE(bat.mp3FixUsesRemuxTool());
+    EXPECT_FALSE(bat.remakesMpeg1());
 }
 
 TEST(BatchDialect, ToolLines_AreWrittenExactlyWithTheirOldOptions) {

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <sys/mount.h>
+#include <QElapsedTimer>
 #include <QProcess>
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 
+#include "join/JoinCleanup.h"
 #include "join/JoinRunTestBed.h"
 #include "platform/EventTurn.h"
 #include "platform/ProcessRunner.h"
@@ -26,8 +31,8 @@ protected:
         bed.setOutput(output);
         bed.makeMp3List({a, b});
         // Everything a join leaves in the per-user folder.
-        for (const char* name : {"TempFile.bat", "MP3.bat", "MPEG2.bat", "MP3.exe", "MPEG.exe",
-                                 "MPEG2.exe", "mingwm10.dll", "pthreadGC2.dll"}) {
+        for (const char* name : {"TempFile.bat", "MP3.bat", "MPEG2.bat", "MPEG.bat", "MP3.exe",
+                                 "MPEG.exe", "MPEG2.exe", "mingwm10.dll", "pthreadGC2.dll"}) {
             if (!QFile::exists(bed.appData + u'/' + QLatin1String(name))) {
                 JoinRunTestBed::writeFile(bed.appData + u'/' + QLatin1String(name), "x");
             }
@@ -140,6 +145,81 @@ TEST_F(JoinCancelTest, WaitLoop_DeletesAgainUntilNothingComesBack) {
     EXPECT_TRUE(bed.state.cancelButtonEnabled());
 }
 
+// A writer that never stops: the file is back after every delete. The wait
+// pauses between tries, gives up after its limit, and says what is left.
+TEST_F(JoinCancelTest, WaitLoop_FileThatKeepsComingBack_GivesUpAndSaysWhatIsLeft) {
+    const auto before = SetCancelWaitLimit(std::chrono::milliseconds(600));
+    JoinRun& run = bed.makeRun();
+    bed.state.setOperationTag(QStringLiteral("1"));
+    JoinRunTestBed::writeFile(temp, "partial");
+    int turns = 0;
+    setEventTurnHook([&] {
+        ++turns;
+        JoinRunTestBed::writeFile(temp, "again");
+    });
+    QElapsedTimer took;
+    took.start();
+    run.cancelClicked();
+    const qint64 ms = took.elapsed();
+    SetCancelWaitLimit(before);
+    EXPECT_GE(ms, 600);
+    EXPECT_LT(ms, 5000);
+    // Paused between tries: a few a tenth of a second, not thousands.
+    EXPECT_GE(turns, 3);
+    EXPECT_LE(turns, 600 / kCancelWaitPause.count() + 2);
+    ASSERT_EQ(bed.questions.asked.size(), 1);
+    const QString prompt = bed.questions.asked[0].prompt;
+    EXPECT_EQ(prompt, LeftBehindMessage({{temp, QStringLiteral("a process still writes it")}}));
+    EXPECT_TRUE(prompt.contains(temp));
+    EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Exclamation);
+    // The window is usable: it says "Cancelled!" and its button closes it.
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_TRUE(bed.state.cancelButtonEnabled());
+    int closeRequests = 0;
+    QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
+    setEventTurnHook({});
+    run.cancelClicked();
+    EXPECT_EQ(closeRequests, 1);
+}
+
+TEST(LeftBehindMessage, NamesEachFileAndItsReason) {
+    EXPECT_EQ(LeftBehindMessage({{"/out/a.mp3", "Read-only file system"},
+                                 {"/out/a.mp3.vlr.mp3", "Permission denied"}}),
+              "The join was cancelled, but these files of it could not be deleted and are left "
+              "behind:\r\n\r\n/out/a.mp3 (Read-only file system)\r\n/out/a.mp3.vlr.mp3 "
+              "(Permission denied)\r\n\r\nPlease, delete them yourself when the reason is "
+              "gone.");
+}
+
+// The output folder turns read-only under a running join (a file system
+// remounted read-only): the cancel cannot delete its file and says why.
+TEST_F(JoinCancelTest, CancelWithOutputOnAReadOnlyFileSystem_SaysWhyAndStaysUsable) {
+    const QString folder = bed.dir.path() + QStringLiteral("/ro");
+    QDir().mkpath(folder);
+    if (::mount("tmpfs", folder.toLocal8Bit().constData(), "tmpfs", 0, "size=1m") != 0) {
+        GTEST_SKIP() << "no tmpfs can be mounted here (" << std::strerror(errno)
+                     << "); the wait's limit is shown by the test of a file that comes back";
+    }
+    const QString stuck = folder + QStringLiteral("/joined.mp3");
+    bed.setOutput(stuck);
+    JoinRunTestBed::writeFile(stuck + QStringLiteral(".vlr.mp3"), "partial");
+    ASSERT_EQ(::mount(nullptr, folder.toLocal8Bit().constData(), nullptr, MS_REMOUNT | MS_RDONLY,
+                      nullptr),
+              0);
+    const auto before = SetCancelWaitLimit(std::chrono::milliseconds(300));
+    JoinRun& run = bed.makeRun();
+    bed.state.setOperationTag(QStringLiteral("1"));
+    run.cancelClicked();
+    SetCancelWaitLimit(before);
+    ::umount2(folder.toLocal8Bit().constData(), MNT_DETACH);
+    ASSERT_EQ(bed.questions.asked.size(), 1);
+    const QString prompt = bed.questions.asked[0].prompt;
+    EXPECT_TRUE(prompt.contains(stuck + QStringLiteral(".vlr.mp3 (Read-only file system)")))
+        << prompt.toStdString();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_TRUE(bed.state.cancelButtonEnabled());
+}
+
 TEST_F(JoinCancelTest, Close_AfterFinish_CleansAppData_KeepsOutput_NoWait) {
     JoinRun& run = bed.makeRun();
     JoinRunTestBed::writeFile(output, "joined");
@@ -155,6 +235,23 @@ TEST_F(JoinCancelTest, Close_AfterFinish_CleansAppData_KeepsOutput_NoWait) {
     EXPECT_EQ(bed.appDataEntries(), QStringList());
     EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray("joined"));
     EXPECT_FALSE(run.cancelled());
+}
+
+TEST_F(JoinCancelTest, Close_AfterFinish_KillsALeftoverMp3ToolStillRunning) {
+    // The join has finished; a tool of the fix step's name still runs.
+    JoinRun& run = bed.makeRun();
+    JoinRunTestBed::writeFile(output, "joined");
+    bed.state.setCancelButtonCaption(QStringLiteral("&Close"));
+    QProcess* leftover = startAs(QStringLiteral("MP3.exe"));
+    ASSERT_EQ(leftover->state(), QProcess::Running);
+    int closeRequests = 0;
+    QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
+    run.cancelClicked();
+    EXPECT_TRUE(leftover->waitForFinished(5000));
+    EXPECT_EQ(leftover->exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(closeRequests, 1);
+    EXPECT_FALSE(QFile::exists(bed.appData + QStringLiteral("/MP3.exe")));
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray("joined"));
 }
 
 TEST_F(JoinCancelTest, ToolsAreKilledByName_OnlyWhenTheirCopyLiesInAppData) {

@@ -44,6 +44,32 @@ inline QStringList AppDataLeftovers(const JoinRunTestBed& bed) {
     return left;
 }
 
+// The processes of a join: every process whose command line names a file in
+// AppDataFolder (the shells of the scripts, the tool copies) or whose image
+// is a tool copy. Each as "pid command line".
+inline QStringList JoinProcessesOf(const JoinRunTestBed& bed) {
+    QStringList found;
+    const QByteArray folder = QFile::encodeName(bed.appData);
+    for (const QString& pid : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool number = false;
+        pid.toLongLong(&number);
+        if (!number) {
+            continue;
+        }
+        QFile cmdline(QStringLiteral("/proc/") + pid + QStringLiteral("/cmdline"));
+        if (!cmdline.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        QByteArray text = cmdline.readAll();
+        const QString image =
+            QFile::symLinkTarget(QStringLiteral("/proc/") + pid + QStringLiteral("/exe"));
+        if (text.contains(folder) || image.startsWith(bed.appData + u'/')) {
+            found << pid + u' ' + QString::fromLocal8Bit(text.replace('\0', ' ')).trimmed();
+        }
+    }
+    return found;
+}
+
 // Puts "ulimit -f blocks" behind the first line of a generated sh script: no
 // command of the script may then write a file beyond that many blocks, as if
 // the disk had filled up. A command that tries is ended by the system; it

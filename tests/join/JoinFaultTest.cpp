@@ -80,6 +80,24 @@ protected:
             << bed.state.operationText().toStdString();
     }
 
+    // True when the run has stopped: at its end, or at the finish's measuring
+    // step that found no output (timers off, the button still "&Cancel").
+    bool stopped() const {
+        return bed.finished() ||
+               (!bed.state.timerEnabled() && bed.state.operationTag() == QStringLiteral("2"));
+    }
+
+    // After a stop without output the user clicks "&Cancel": "Cancelled!".
+    // Otherwise the run says "Finished!".
+    void expectAnEnd() {
+        if (bed.state.cancelButtonCaption() == QStringLiteral("&Cancel")) {
+            bed.run->cancelClicked();
+            EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+        } else {
+            EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+        }
+    }
+
     // The click on "&Close": the window asks to be closed.
     void close() {
         ASSERT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
@@ -91,6 +109,9 @@ protected:
 
     void expectCleanEnd(const QString& output) {
         EXPECT_EQ(AppDataLeftovers(bed), QStringList());
+        // The tools' last children may take a moment to be reaped.
+        JoinRunTestBed::waitUntil([&] { return JoinProcessesOf(bed).isEmpty(); }, 5000);
+        EXPECT_EQ(JoinProcessesOf(bed), QStringList());
         sources.expectUnchanged();
         EXPECT_FALSE(QFile::exists(output + QStringLiteral(".vlr.mp3")));
         EXPECT_FALSE(QFile::exists(output + QStringLiteral(".vlr.mpg")));
@@ -171,6 +192,40 @@ TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_FinishesAndClea
     EXPECT_TRUE(QFile::exists(output));
 }
 
+TEST_F(JoinFaultTest, DiskFullDuringOperation2_Ulimit_FinishesAndCleansUp) {
+    // The fix script may write no more than 4 blocks: the disk fills while
+    // the fixed file is written.
+    const QString one = mp3(QStringLiteral("one.mp3"), 440);
+    const QString two = mp3(QStringLiteral("two.mp3"), 550);
+    bed.makeMp3List({one, two});
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
+    startJoin(output);
+    LimitScriptFileSize(bed.appData + QStringLiteral("/MP3.bat"), 4);
+    bed.makeRun().load(true);
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 120000));
+    expectAnEnd();
+    EXPECT_LE(QFileInfo(output).size(), 4 * 1024);
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_EndsWithAMessageOrAnEnd) {
+    // The raw join fits; the fixed copy beside it does not.
+    const QString out = mountTmpfs(QStringLiteral("half"), QStringLiteral("size=96k"));
+    if (out.isEmpty()) {
+        GTEST_SKIP() << "no tmpfs can be mounted here (" << mountError.toStdString()
+                     << "); the ulimit test covers a full disk in the fix step";
+    }
+    bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), mp3(QStringLiteral("two.mp3"), 550)});
+    const QString output = out + QStringLiteral("/joined.mp3");
+    startJoin(output);
+    bed.makeRun().load(true);
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 120000));
+    expectAnEnd();
+    close();
+    expectCleanEnd(output);
+}
+
 // ---- sources that change under the running script ----
 
 TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_JoinsWhatIsThere) {
@@ -234,7 +289,6 @@ TEST_F(JoinFaultTest, FixToolMissingAtOperation2_RawJoinBecomesOutput) {
     // The first script ends; before the next tick the tool copies vanish.
     ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
     ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MP3.exe")));
-    ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MPEG2.exe")));
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000));
     // A fix that yields nothing leaves the raw join as the output.
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
@@ -267,6 +321,65 @@ TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_WaitsUntilCancel_CancelGetsOu
     run.cancelClicked();
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
     EXPECT_FALSE(QFile::exists(output));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, FixToolKilledFromOutside_RunEndsAndLeavesNothingRunning) {
+    const QString one = mp3(QStringLiteral("one.mp3"), 440);
+    const QString two = mp3(QStringLiteral("two.mp3"), 550);
+    bed.makeMp3List({one, two});
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
+    startJoin(output);
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
+    // Whatever the tool copy holds, it is ended by its copy's name; a copy
+    // that works slowly makes sure it is caught while it runs.
+    const QString tool = bed.appData + QStringLiteral("/MP3.exe");
+    ASSERT_TRUE(QFile::remove(tool));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VELMORA_SLOW_TOOL), tool));
+    run.tick();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    const auto toolRuns = [&] {
+        for (const QString& process : JoinProcessesOf(bed)) {
+            if (ExecutablePathOf(process.section(u' ', 0, 0).toLongLong()) == tool) {
+                return true;
+            }
+        }
+        return false;
+    };
+    ASSERT_TRUE(JoinRunTestBed::waitUntil(toolRuns, 30000))
+        << JoinProcessesOf(bed).join(u'\n').toStdString();
+    KillProcessByName(QStringLiteral("MP3.exe"));
+    ASSERT_TRUE(bed.tickUntil([&] { return stopped(); }, 30000))
+        << bed.state.operationText().toStdString();
+    expectAnEnd();
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, OutputFolderRemovedDuringTheJoin_EndsAndCleansUp) {
+    // The first item is a pipe: the script waits on it while the test takes
+    // the output folder away with the partial join in it.
+    const QString pipe = bed.media + QStringLiteral("/first.mpg");
+    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    const QString second = randomFile(QStringLiteral("second.mpg"), 30000);
+    bed.makeMpegList({pipe, second}, QString());
+    const QString folder = bed.dir.path() + QStringLiteral("/out");
+    QDir().mkpath(folder);
+    const QString output = folder + QStringLiteral("/joined.mpg");
+    startJoin(output);
+    bed.makeRun().load(true);
+    QFile feed(pipe);
+    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    feed.write("pipe");
+    feed.close();
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 60000))
+        << bed.state.operationText().toStdString();
+    expectAnEnd();
+    EXPECT_FALSE(QFile::exists(output + QStringLiteral(".vlr.mpg")));
     close();
     expectCleanEnd(output);
 }

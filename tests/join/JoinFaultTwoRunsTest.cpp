@@ -4,13 +4,16 @@
 // where the shared folder is and what to do.
 #include <gtest/gtest.h>
 
+#include <QMap>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRandomGenerator>
+#include <QSysInfo>
 
 #include "app/IniFile.h"
 #include "app/WindowSettings.h"
 #include "join/JoinFaultSupport.h"
+#include "join/JoinLock.h"
 #include "list/ListFunctions.h"
 
 namespace {
@@ -76,6 +79,23 @@ TEST(SecondRun, DISABLED_ActsAsAProgramRun) {
         for (int close = 0; close < kCloses; ++close) {
             closeWindows(name, close);
         }
+        return;
+    }
+    if (role == QStringLiteral("refused join")) {
+        // A join started while the first run's join holds the lock: one
+        // message, and the pre-flight goes no further.
+        JoinRunTestBed bed;
+        SetAppDataFolder(appData);
+        bed.appData = appData;
+        bed.makeMpegList(qEnvironmentVariable(kSourcesVariable).split(u'\n'), QString());
+        bed.model.state.setListStatusText(QStringLiteral("Green"));
+        bed.model.state.setSizeCaption(QStringLiteral("1 KB"));
+        bed.questions.chooseFile(qEnvironmentVariable(kOutputVariable));
+        bed.questions.answer(Msg::Yes);
+        ASSERT_FALSE(StartJoin(bed.model));
+        ASSERT_EQ(bed.questions.asked.size(), 1);
+        EXPECT_EQ(bed.questions.asked[0].prompt, JoinLockedMessage());
+        EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Exclamation);
         return;
     }
     ASSERT_EQ(role, QStringLiteral("join"));
@@ -182,4 +202,82 @@ TEST(JoinFaultTwoRunsTest, JoinInTheOtherRun_LeavesThisRunsListAndSettings) {
               QStringLiteral("/media/L/%1").arg(kCloses - 1));
     EXPECT_EQ(ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("FolderJ")),
               QStringLiteral("/media/J/%1").arg(kCloses));
+}
+
+// Every entry of AppDataFolder with its bytes (folders as "<folder>").
+static QMap<QString, QByteArray> appDataSnapshot(const JoinRunTestBed& bed) {
+    QMap<QString, QByteArray> snapshot;
+    for (const QString& entry : bed.appDataEntries()) {
+        const QString path = bed.appData + u'/' + entry;
+        snapshot.insert(entry, QFileInfo(path).isDir() ? QByteArray("<folder>")
+                                                       : JoinRunTestBed::readFile(path));
+    }
+    return snapshot;
+}
+
+TEST(JoinFaultTwoRunsTest, JoinStartedInTheOtherRunWhileThisJoins_IsRefusedAndChangesNothing) {
+    JoinRunTestBed bed;
+    bed.putRealTools();
+    SourceGuard sources;
+    SetFreeBytesSource([](QString&) { return 1e12; });
+    QStringList paths;
+    for (int i = 0; i < 2; ++i) {
+        paths << bed.media + QStringLiteral("/part %1.mpg").arg(i);
+        JoinRunTestBed::writeFile(paths.last(), QByteArray(30000 + i, char('a' + i)));
+        sources.remember(paths.last());
+    }
+    bed.makeMpegList(paths, QString());
+    bed.model.state.setListStatusText(QStringLiteral("Green"));
+    bed.model.state.setSizeCaption(QStringLiteral("1 KB"));
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
+    bed.questions.chooseFile(output);
+    ASSERT_TRUE(StartJoin(bed.model));
+    ASSERT_TRUE(JoinLockHeld());
+    ASSERT_TRUE(QFile::exists(bed.appData + u'/' + kJoinLockName));
+
+    // The other run wants the same scripts for a join into a file that
+    // exists; the Yes to overwrite it is never asked for.
+    const QString otherOutput = bed.dir.path() + QStringLiteral("/other.mpg");
+    JoinRunTestBed::writeFile(otherOutput, "the other run's old file");
+    const QString keyBefore =
+        ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("JoinFiles"));
+    const QMap<QString, QByteArray> before = appDataSnapshot(bed);
+    ASSERT_TRUE(before.contains(QStringLiteral("TempFile.bat")));
+    QProcess* other = startSecondRun(QStringLiteral("refused join"), bed.appData,
+                                     QStringLiteral("R"), paths, otherOutput);
+    const bool ended = endedWell(other);
+    delete other;
+    ASSERT_TRUE(ended);
+    EXPECT_EQ(appDataSnapshot(bed), before);
+    EXPECT_EQ(JoinRunTestBed::readFile(otherOutput), QByteArray("the other run's old file"));
+    EXPECT_EQ(ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("JoinFiles")), keyBefore);
+
+    // This run's join goes on undisturbed, and its close lets go of the lock.
+    bed.makeRun().load(true);
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 120000));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(JoinRunTestBed::readFile(output),
+              JoinRunTestBed::readFile(paths[0]) + JoinRunTestBed::readFile(paths[1]));
+    bed.run->cancelClicked();
+    EXPECT_FALSE(JoinLockHeld());
+    EXPECT_EQ(AppDataLeftovers(bed), QStringList());
+    sources.expectUnchanged();
+    SetFreeBytesSource({});
+}
+
+TEST(JoinLock, LockOfACopyThatIsGone_IsTakenOver) {
+    JoinRunTestBed bed;
+    ReleaseJoinLock();
+    // A lock file whose process no longer runs, as a crash leaves it.
+    QProcess gone;
+    gone.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("echo $$")});
+    ASSERT_TRUE(gone.waitForFinished(5000));
+    const QByteArray pid = gone.readAllStandardOutput().trimmed();
+    ASSERT_FALSE(pid.isEmpty());
+    JoinRunTestBed::writeFile(bed.appData + u'/' + kJoinLockName,
+                              pid + "\nvelmora\n" + QSysInfo::machineHostName().toUtf8() + '\n');
+    EXPECT_TRUE(AcquireJoinLock());
+    EXPECT_TRUE(JoinLockHeld());
+    ReleaseJoinLock();
+    EXPECT_FALSE(QFile::exists(bed.appData + u'/' + kJoinLockName));
 }

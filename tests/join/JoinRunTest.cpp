@@ -94,16 +94,47 @@ TEST_F(JoinRunTest, OtherMpeg_RenamesTempFile_ShowsOperation2ForOneTick_ThenFini
     EXPECT_EQ(bed.questions.asked.size(), 0);
 }
 
-TEST_F(JoinRunTest, Mpeg1V_NoFixScript_OutputIsTheJoin) {
+TEST_F(JoinRunTest, Mpeg1V_FixScriptRunsThroughLauncher_WatchesOutputGrow_TempFileDeleted) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-1V"));
+    bed.model.state.setSizeCaption(QStringLiteral("8 KB"));
+    writeJoinScript(temp());
+    // The remake writes part of its output and waits for a second go.
+    const QString go2 = bed.dir.path() + QStringLiteral("/go2");
+    bed.writeScript(QStringLiteral("MPEG.bat"),
+                    QStringLiteral("head -c 2048 %1 > %2\nwhile [ ! -f %3 ]; do sleep 0.01; done\n"
+                                   "cat %1 > %2\n")
+                            .arg(JoinRunTestBed::quoted(temp()), JoinRunTestBed::quoted(output),
+                                 JoinRunTestBed::quoted(go2)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2() && QFileInfo(output).size() == 2048; }));
+    ASSERT_NE(run.launcher(), nullptr);
+    run.tick();
+    // The size source watches OutputFile while the remake writes it.
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("2 KB"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (25%)"));
+    JoinRunTestBed::writeFile(go2, "go");
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(QFileInfo(output).size(), 5000);
+    EXPECT_FALSE(QFile::exists(temp()));
+}
+
+TEST_F(JoinRunTest, Mpeg1V_FixerLeavesEmptyFile_IsReplacedByRawJoin) {
     bed.makeMpegList({a, b}, QStringLiteral("MPEG-1V"));
     writeJoinScript(temp());
+    bed.writeScript(
+        QStringLiteral("MPEG.bat"),
+        QStringLiteral(": > %1\n").arg(JoinRunTestBed::quoted(output)) + bed.removeMarkerLine());
     JoinRun& run = bed.makeRun();
     run.load(false);
     letGo();
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_EQ(run.launcher(), nullptr);
     EXPECT_EQ(QFileInfo(output).size(), 5000);
+    EXPECT_FALSE(QFile::exists(temp()));
 }
 
 TEST_F(JoinRunTest, Mp3_MarkerMadeTwice_FixScriptRunsThroughLauncher_TempFileDeleted) {

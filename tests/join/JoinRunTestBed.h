@@ -16,6 +16,7 @@
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "join/JoinLock.h"
 #include "join/JoinRun.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
@@ -42,6 +43,7 @@ public:
     }
     ~JoinRunTestBed() {
         run.reset();
+        ReleaseJoinLock();
         StopLogging();
         setProcessKillFilter(previousFilter);
         ClearTestFolders();
@@ -50,7 +52,7 @@ public:
     // The real tools under the names they have in an install folder.
     void putRealTools() {
         const QList<QPair<QString, QString>> tools = {
-            {QStringLiteral("/usr/bin/vbrfix"), QStringLiteral("MP3.dll")},
+            {QStringLiteral(VELMORA_MP3_FIX_TOOL), QStringLiteral("MP3.dll")},
             {QStringLiteral("/usr/bin/mpgtx"), QStringLiteral("MPEG.dll")},
             {QStringLiteral("/usr/bin/ffmpeg"), QStringLiteral("MPEG2.dll")}};
         for (const auto& [source, name] : tools) {

@@ -135,7 +135,7 @@ protected:
     bool putRealTools() {
         const QString built = QCoreApplication::applicationDirPath();
         const QStringList names = {"MP3.dll", "MPEG.dll", "MPEG2.dll"};
-        const QStringList system = {"/usr/bin/vbrfix", "/usr/bin/mpgtx", "/usr/bin/ffmpeg"};
+        const QStringList system = {VELMORA_MP3_FIX_TOOL, "/usr/bin/mpgtx", "/usr/bin/ffmpeg"};
         for (int i = 0; i < names.size(); ++i) {
             QString source = built + u'/' + names[i];
             if (!QFileInfo(source).isExecutable()) {
@@ -167,6 +167,7 @@ protected:
         left.removeAll("TempFile.bat");
         left.removeAll("MP3.bat");
         left.removeAll("MPEG2.bat");
+        left.removeAll("MPEG.bat");
         left.removeAll("MP3.exe");
         left.removeAll("MPEG.exe");
         left.removeAll("MPEG2.exe");
@@ -352,11 +353,12 @@ TEST_F(JoinScriptRunTest, Mp3CbrOfTwoBitRates_FixGivesAHeaderWithTheWholeLength)
         frames, inputFrames, seconds, ms, inputSeconds);
 }
 
-TEST_F(JoinScriptRunTest, Mpeg1V_JoinerOverwritesAnEarlierTempFileWithoutAsking) {
+TEST_F(JoinScriptRunTest, Mpeg1V_CopyAndRemakeKeepEveryPictureAndOverwriteWithoutAsking) {
     ASSERT_TRUE(HaveFfmpeg());
     ASSERT_TRUE(putRealTools());
     QStringList paths;
     int pictures = 0;
+    double seconds = 0;
     for (const QString& name : {QString("one 'a'.mpg"), QString("-two $(touch pwned8).mpg")}) {
         MpegOptions options;
         options.mpegVersion = 1;
@@ -364,20 +366,26 @@ TEST_F(JoinScriptRunTest, Mpeg1V_JoinerOverwritesAnEarlierTempFileWithoutAsking)
         ASSERT_FALSE(path.isEmpty()) << LastMediaMakerError().toStdString();
         paths << path;
         pictures += ffprobeFrames(path, "v:0");
+        seconds += ffprobeSeconds(path);
     }
     const auto before = snapshot(paths);
     bed.makeMpegList(paths, "MPEG-1V");
-    output = outFolder + "/joined.mpg";
+    output = outFolder + "/joined 'x'.mpg";
     temp = output;
     WriteJoinScripts(bed.model, temp);
     ScriptTestBed::writeFile(temp, "an earlier raw join");
+    ScriptTestBed::writeFile(output, "an earlier output");
 
     QByteArray log;
     EXPECT_EQ(runWithMarker("TempFile.bat", &log), 0) << log.toStdString();
     EXPECT_FALSE(QFile::exists(bed.appData + "/JoinTemp"));
-    // Every picture of every item is in the join.
-    EXPECT_NEAR(ffprobeFrames(temp, "v:0"), pictures, 1) << log.toStdString();
     EXPECT_FALSE(ScriptTestBed::readFile(temp).startsWith("an earlier"));
+    EXPECT_EQ(runWithMarker("MPEG.bat", &log), 0) << log.toStdString();
+    EXPECT_FALSE(QFile::exists(bed.appData + "/JoinTemp"));
+    EXPECT_FALSE(ScriptTestBed::readFile(output).startsWith("an earlier"));
+    // Every picture of every item is in the output, and its length is theirs.
+    EXPECT_NEAR(ffprobeFrames(output, "v:0"), pictures, 1) << log.toStdString();
+    EXPECT_NEAR(ffprobeSeconds(output), seconds, seconds * 0.01);
     EXPECT_GT(pictures, 0);
     EXPECT_EQ(snapshot(paths), before);
     EXPECT_TRUE(pwnedFiles(bed.dir.path()).isEmpty());

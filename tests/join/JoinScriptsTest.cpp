@@ -115,6 +115,7 @@ TEST_F(JoinScriptsTest, Batch_Mpeg1V_WritesOneJoinerLineWithEveryItem) {
     EXPECT_EQ(scriptLines(app("TempFile.bat"), "\r\n"), expected);
     EXPECT_FALSE(QFile::exists(app("MP3.bat")));
     EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+    EXPECT_FALSE(QFile::exists(app("MPEG.bat")));
 }
 
 TEST_F(JoinScriptsTest, Batch_Mpeg2V_WritesCopyLinesAndRemakeScriptLineForLine) {
@@ -204,23 +205,13 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
     EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
 
     const QString stopFix = "[ -f " + q(app("MP3.bat")) + " ] || exit 1";
-    const QString scratch = q(app("MP3Fix"));
-    const QString fixed = q(app("MP3Fix/Fixed.mp3"));
     const QStringList expectedFix = {
         "#!/bin/sh",
         "echo Generated with Velmora",
         "echo Visit us at: www.velmora.example",
         "echo Fixing MP3 File...",
         stopFix,
-        "mkdir -p " + scratch + " < /dev/null && cd " + scratch + " && " + q(app("MP3.exe")) +
-            " -ri1 -ri2 -lameinfo " + q(temp) + " " + fixed + " < /dev/null",
-        "cd / && rm -f " + q(app("MP3Fix/vbrfix.tmp")) + " < /dev/null",
-        "source=" + q(temp) + "; [ -s " + fixed + " ] && source=" + fixed,
-        "[ -f " + q(app("MP3.bat")) + " ] && " + q(app("MPEG2.exe")) +
-            " -nostdin -i \"$source\" -map 0:a -map_metadata -1 -id3v2_version 0"
-            " -c copy -f mp3 -y " +
-            q(output) + " < /dev/null",
-        "rm -rf " + scratch + " < /dev/null",
+        q(app("MP3.exe")) + " " + q(temp) + " " + q(output) + " < /dev/null",
         "echo MP3 File has been fixed!",
         stopFix,
         "rmdir " + q(app("JoinTemp")) + " < /dev/null",
@@ -228,25 +219,41 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
     EXPECT_EQ(scriptLines(app("MP3.bat"), "\n"), expectedFix);
 }
 
-TEST_F(JoinScriptsTest, Sh_Mpeg1V_WritesOneJoinerLineThatNeverAsks) {
+TEST_F(JoinScriptsTest, Sh_Mpeg1V_WritesCatLinesAndItsOwnRemakeScriptLineForLine) {
     items = {bed.media + "/a.mpg", bed.media + "/-b c.mpg", bed.media + "/d.mpg"};
     bed.makeMpegList(items, "MPEG-1V");
     temp = output + ".vlr.mpg";
     write(sh);
 
-    const QString stop = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
-    const QStringList expected = {"#!/bin/sh",
-                                  "echo Generated with Velmora",
-                                  "echo Visit us at: www.velmora.example",
-                                  stop,
-                                  q(app("MPEG.exe")) + " -j -f --force " + q(items[0]) + " " +
-                                      q(items[1]) + " " + q(items[2]) + " -o " + q(temp) +
-                                      " < /dev/null",
-                                  stop,
-                                  "rmdir " + q(app("JoinTemp")) + " < /dev/null",
-                                  "echo Joined Succesfully!",
-                                  "exit"};
-    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expected);
+    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+    const QStringList expectedFirst = {"#!/bin/sh",
+                                       "echo Generated with Velmora",
+                                       "echo Visit us at: www.velmora.example",
+                                       stopFirst,
+                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null",
+                                       stopFirst,
+                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                       "echo Joined Succesfully!",
+                                       "exit"};
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+
+    const QString stopFix = "[ -f " + q(app("MPEG.bat")) + " ] || exit 1";
+    const QStringList expectedFix = {"#!/bin/sh",
+                                     "echo Generated with Velmora",
+                                     "echo Visit us at: www.velmora.example",
+                                     "echo Fixing MPEG1 File...",
+                                     stopFix,
+                                     q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
+                                         " -c copy -f mpeg -y " + q(output) + " < /dev/null",
+                                     "echo MPEG1 File has been fixed!",
+                                     stopFix,
+                                     "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+                                     "exit"};
+    EXPECT_EQ(scriptLines(app("MPEG.bat"), "\n"), expectedFix);
     EXPECT_FALSE(QFile::exists(app("MP3.bat")));
     EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
 }
@@ -277,8 +284,9 @@ TEST_F(JoinScriptsTest, Sh_Mpeg2V_WritesCatLinesAndRemuxScriptLineForLine) {
                                      "echo Visit us at: www.velmora.example",
                                      "echo Fixing MPEG2 File...",
                                      stopFix,
-                                     q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
-                                         " -c copy -f vob -y " + q(output) + " < /dev/null",
+                                     q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1 -i " +
+                                         q(temp) + " -c copy -f vob -y " + q(output) +
+                                         " < /dev/null",
                                      "echo MPEG2 File has been fixed!",
                                      stopFix,
                                      "rmdir " + q(app("JoinTemp")) + " < /dev/null",
@@ -391,13 +399,12 @@ TEST_F(JoinScriptsTest, TempFileHelpers_FollowTheListTypeAndTheDialog) {
 
 // ---- tools ----
 
-TEST_F(JoinScriptsTest, Sh_Mp3List_CopiesFixerAndRemuxToolRunnable) {
+TEST_F(JoinScriptsTest, Sh_Mp3List_CopiesOnlyTheFixToolRunnable) {
     bed.makeMp3List(items);
     write(sh);
     EXPECT_EQ(ScriptTestBed::readFile(app("MP3.exe")), "tool MP3.dll");
-    EXPECT_EQ(ScriptTestBed::readFile(app("MPEG2.exe")), "tool MPEG2.dll");
     EXPECT_TRUE(QFileInfo(app("MP3.exe")).isExecutable());
-    EXPECT_TRUE(QFileInfo(app("MPEG2.exe")).isExecutable());
+    EXPECT_FALSE(QFile::exists(app("MPEG2.exe")));
     EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
     EXPECT_FALSE(QFile::exists(app("mingwm10.dll")));
 }
@@ -411,7 +418,7 @@ TEST_F(JoinScriptsTest, Batch_Mp3List_CopiesFixerAndItsLibraryWhenPresent) {
     EXPECT_FALSE(QFile::exists(app("MPEG2.exe")));
 }
 
-TEST_F(JoinScriptsTest, Mpeg2V_CopiesRemakeToolAndLibrary_Mpeg1V_CopiesJoiner) {
+TEST_F(JoinScriptsTest, Mpeg2V_CopiesRemakeToolAndLibrary_ShMpeg1V_TooBatchMpeg1V_CopiesJoiner) {
     ScriptTestBed::writeFile(bed.install + "/pthreadGC2.dll", "pthreads");
     bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
     write(sh);
@@ -420,10 +427,35 @@ TEST_F(JoinScriptsTest, Mpeg2V_CopiesRemakeToolAndLibrary_Mpeg1V_CopiesJoiner) {
     EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
     EXPECT_FALSE(QFile::exists(app("MP3.exe")));
 
+    QFile::remove(app("MPEG2.exe"));
+    QFile::remove(app("pthreadGC2.dll"));
     bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-1V");
     write(sh);
+    EXPECT_EQ(ScriptTestBed::readFile(app("MPEG2.exe")), "tool MPEG2.dll");
+    EXPECT_TRUE(QFileInfo(app("MPEG2.exe")).isExecutable());
+    EXPECT_EQ(ScriptTestBed::readFile(app("pthreadGC2.dll")), "pthreads");
+    EXPECT_FALSE(QFile::exists(app("MPEG.exe")));
+
+    QFile::remove(app("MPEG2.exe"));
+    write(batch);
     EXPECT_EQ(ScriptTestBed::readFile(app("MPEG.exe")), "tool MPEG.dll");
     EXPECT_TRUE(QFileInfo(app("MPEG.exe")).isExecutable());
+    EXPECT_FALSE(QFile::exists(app("MPEG2.exe")));
+}
+
+TEST_F(JoinScriptsTest, FixScriptName_FollowsTheJoinCaseAndTheDialect) {
+    bed.makeMp3List(items);
+    EXPECT_EQ(FixScriptName(bed.model, sh), "MP3.bat");
+    EXPECT_EQ(FixScriptName(bed.model, batch), "MP3.bat");
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V", "MPEG-1V");
+    EXPECT_EQ(FixScriptName(bed.model, sh), "MPEG2.bat");
+    EXPECT_EQ(FixScriptName(bed.model, batch), "MPEG2.bat");
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-1V", "MPEG-2V");
+    EXPECT_EQ(FixScriptName(bed.model, sh), "MPEG.bat");
+    EXPECT_EQ(FixScriptName(bed.model), "MPEG.bat");
+    EXPECT_EQ(FixScriptName(bed.model, batch), QString());
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-4V");
+    EXPECT_EQ(FixScriptName(bed.model, sh), QString());
 }
 
 TEST_F(JoinScriptsTest, EarlierCopiesAndScripts_AreReplacedWhereWrittenAndLeftElsewhere) {
@@ -496,8 +528,8 @@ TEST_F(JoinScriptsLogTest, Batch_Mpeg2V_LogsCopyLinesAndTheTwoRemakeRecords) {
 TEST_F(JoinScriptsLogTest, Sh_Mpeg2V_LogsTheRemuxLineAsWrittenAndTheDelete) {
     useMpegList(2, "MPEG-2V");
     write(sh);
-    const QString remux = q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) + " -c copy -f vob -y " +
-                          q(output) + " < /dev/null";
+    const QString remux = q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1 -i " + q(temp) +
+                          " -c copy -f vob -y " + q(output) + " < /dev/null";
     const QStringList expected = {"TempFile=" + temp, shAppend(1), "2BAT=" + remux,
                                   "2BAT=rm -f " + q(temp) + " < /dev/null"};
     EXPECT_EQ(logRecords(logFile), expected);
@@ -519,10 +551,22 @@ TEST_F(JoinScriptsLogTest, Batch_OtherMpeg_LogsTheCopyLinesAndNoRemake) {
     EXPECT_EQ(logRecords(logFile), expected);
 }
 
-TEST_F(JoinScriptsLogTest, Mpeg1V_LogsOnlyTheTempFile) {
+TEST_F(JoinScriptsLogTest, Batch_Mpeg1V_LogsOnlyTheTempFile) {
     useMpegList(2, "MPEG-1V");
-    write(sh);
+    write(batch);
     EXPECT_EQ(logRecords(logFile), QStringList{"TempFile=" + temp});
+}
+
+TEST_F(JoinScriptsLogTest, Sh_Mpeg1V_LogsTheAppendLinesTheRemakeLineAsWrittenAndTheDelete) {
+    useMpegList(3, "MPEG-1V");
+    write(sh);
+    const QString remake = q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
+                           " -c copy -f mpeg -y " + q(output) + " < /dev/null";
+    const QStringList expected = {"TempFile=" + temp, shAppend(1), shAppend(2), "2BAT=" + remake,
+                                  "2BAT=rm -f " + q(temp) + " < /dev/null"};
+    EXPECT_EQ(logRecords(logFile), expected);
+    EXPECT_TRUE(scriptLines(app("MPEG.bat"), "\n").contains(remake));
+    EXPECT_FALSE(ScriptTestBed::readFile(app("MPEG.bat")).contains("rm -f"));
 }
 
 TEST_F(JoinScriptsLogTest, Batch_Mp3List_LogsNothingAboutTheFixScript) {

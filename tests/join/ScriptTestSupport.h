@@ -11,6 +11,7 @@
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "join/JoinLock.h"
 #include "join/TestFolders.h"
 #include "list/MainModel.h"
 #include "support/MemoryClipboard.h"
@@ -33,6 +34,8 @@ public:
         media = folders.media;
     }
     ~ScriptTestBed() {
+        // A pre-flight that passed holds the join lock in this folder.
+        ReleaseJoinLock();
         StopLogging();
         ClearTestFolders();
     }

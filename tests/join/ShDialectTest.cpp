@@ -37,7 +37,19 @@ TEST(ShDialect, Lines_HaveNoInputAndLfEnds) {
     EXPECT_EQ(sh.exitLine(), "exit");
     EXPECT_EQ(sh.headLines("host.example"), (QStringList{"#!/bin/sh", "echo Generated with Velmora",
                                                          "echo Visit us at: host.example"}));
-    EXPECT_TRUE(sh.mp3FixUsesRemuxTool());
+}
+
+TEST(ShDialect, Mp3Fix_OneCallOfTheFixToolFromTempFileToOutput) {
+    ShDialect sh;
+    ScriptDialect::Mp3Fix fix;
+    fix.scriptPath = "/a/MP3.bat";
+    fix.fixTool = "/a/MP3.exe";
+    fix.tempFile = "/o/it's.mp3.vlr.mp3";
+    fix.outputFile = "/o/it's.mp3";
+    EXPECT_EQ(
+        sh.mp3FixLines(fix),
+        (QStringList{"[ -f '/a/MP3.bat' ] || exit 1",
+                     "'/a/MP3.exe' '/o/it'\\''s.mp3.vlr.mp3' '/o/it'\\''s.mp3' < /dev/null"}));
 }
 
 TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
@@ -45,7 +57,11 @@ TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
     EXPECT_EQ(sh.mpegJoinLine("/a/MPEG.exe", {"/m/1.mpg", "/m/2.mpg"}, "/o/t.vlr.mpg"),
               "'/a/MPEG.exe' -j -f --force '/m/1.mpg' '/m/2.mpg' -o '/o/t.vlr.mpg' < /dev/null");
     EXPECT_EQ(sh.mpeg2FixLine("/a/MPEG2.exe", "/o/t.vlr.mpg", "/o/t"),
-              "'/a/MPEG2.exe' -nostdin -i '/o/t.vlr.mpg' -c copy -f vob -y '/o/t' < /dev/null");
+              "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -i '/o/t.vlr.mpg' -c copy -f vob -y "
+              "'/o/t' < /dev/null");
+    EXPECT_TRUE(sh.remakesMpeg1());
+    EXPECT_EQ(sh.mpeg1FixLine("/a/MPEG2.exe", "/o/t.vlr.mpg", "/o/t"),
+              "'/a/MPEG2.exe' -nostdin -i '/o/t.vlr.mpg' -c copy -f mpeg -y '/o/t' < /dev/null");
 }
 
 }  // namespace

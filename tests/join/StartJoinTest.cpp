@@ -258,8 +258,8 @@ TEST_F(StartJoinTest, FreeSpace_YesGoesOnWithTheJoin) {
     EXPECT_TRUE(QFile::exists(app("TempFile.bat")));
 }
 
-TEST_F(StartJoinTest, FreeSpace_UnderHalfAKbOrBeyond32Bits_Warns) {
-    for (const double kb : {0.0, 0.4, 3'000'000'000.0}) {
+TEST_F(StartJoinTest, FreeSpace_UnderHalfAKb_Warns) {
+    for (const double kb : {0.0, 0.4}) {
         freeKb = kb;
         questions().asked.clear();
         questions().chooseFile(output);
@@ -268,6 +268,29 @@ TEST_F(StartJoinTest, FreeSpace_UnderHalfAKbOrBeyond32Bits_Warns) {
         ASSERT_EQ(questions().asked.size(), 1) << kb;
         EXPECT_TRUE(questions().asked[0].prompt.startsWith("You do not have enough")) << kb;
     }
+}
+
+TEST_F(StartJoinTest, FreeSpace_MoreThanTwoTebibytesFree_PassesWithoutAWord) {
+    // 3 TiB and 2 TiB + 1 KB free: figures beyond 32 bits of KB.
+    for (const double kb : {3.0 * 1024 * 1024 * 1024, 2147483648.0 + 1, 1e18}) {
+        freeKb = kb;
+        questions().asked.clear();
+        questions().chooseFile(output);
+        EXPECT_TRUE(StartJoin(bed.model)) << kb;
+        EXPECT_TRUE(questions().asked.isEmpty()) << kb;
+        QFile::remove(app("TempFile.bat"));
+    }
+}
+
+TEST_F(StartJoinTest, FreeSpace_BigListOnATebibyteDisk_IsComparedInFull) {
+    // A list of 3 TiB needs 6 TiB; 5 TiB free is too little.
+    bed.model.state.setSizeCaption("3,221,225,472 KB");
+    freeKb = 5.0 * 1024 * 1024 * 1024;
+    questions().chooseFile(output);
+    questions().answer(Msg::No);
+    EXPECT_FALSE(StartJoin(bed.model));
+    ASSERT_EQ(questions().asked.size(), 1);
+    EXPECT_TRUE(questions().asked[0].prompt.startsWith("You do not have enough"));
 }
 
 TEST_F(StartJoinTest, FreeSpace_YesToOverwriteThenNo_LeavesTheOldFileGone) {
@@ -353,6 +376,22 @@ TEST_F(StartJoinTest, DebugLog_HoldsEveryRowCellByCellThenTheScriptRecords) {
     EXPECT_EQ(records[2], "TempFile=" + output + ".vlr.mp3");
     EXPECT_EQ(records[3],
               "1BAT=cat '" + bed.media + "/two.mp3' >> '" + output + ".vlr.mp3' < /dev/null");
+}
+
+TEST_F(StartJoinTest, DebugLog_EmptyListNeverReachesTheItemRecords) {
+    const QString logFile = bed.dir.path() + "/log.log";
+    StartLogging(logFile, 2);
+    bed.makeMp3List({});
+    // Even a list that reads Green and a dialog with an answer ready: the
+    // count check comes first and ends the pre-flight.
+    bed.model.state.setListStatusText("Green");
+    questions().chooseFile(output);
+    EXPECT_FALSE(StartJoin(bed.model));
+    ASSERT_EQ(questions().asked.size(), 1);
+    EXPECT_EQ(questions().asked[0].prompt, "Please, Add at least 2 files to your list.");
+    EXPECT_TRUE(questions().dialogsShown.isEmpty());
+    EXPECT_TRUE(ScriptTestBed::readFile(logFile).isEmpty());
+    EXPECT_FALSE(QFile::exists(app("TempFile.bat")));
 }
 
 TEST_F(StartJoinTest, DebugLog_RefusedJoinWritesNoRecord) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -7,7 +8,10 @@
 #include "ListTestModel.h"
 #include "app/IniFile.h"
 #include "list/AddFilesModule.h"
+#include "list/ReadAhead.h"
 #include "platform/EventTurn.h"
+#include "platform/FileHelpers.h"
+#include "support/PlainUser.h"
 
 namespace {
 
@@ -353,6 +357,33 @@ TEST(AddFolderTree, LinkedFolder_IsNotWalked) {
     EXPECT_EQ(t.column(0), QStringList({"a.mp3"}));
 }
 
+TEST(AddFolderTree, UnreadableSubfolder_IsSkippedAndEveryOtherFileAddedOnce) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    for (const char* n : {"a.mp3", "Sub1/b.mp3", "Sub1/deeper/c.mp3", "Sub2/hidden.mp3",
+                          "Sub2/inner/x.mp3", "Sub3/d.mp3"}) {
+        touch(dir.filePath(n));
+    }
+    // The temporary folder open to all, Sub2 closed to all.
+    const QFileDevice::Permissions open = QFile::permissions(dir.path()) | QFile::ReadOther |
+                                          QFile::ExeOther | QFile::ReadGroup | QFile::ExeGroup;
+    for (const char* n : {"", "Sub1", "Sub1/deeper", "Sub3"}) {
+        QFile::setPermissions(dir.filePath(n), open);
+    }
+    QFile::setPermissions(dir.filePath("Sub2"), QFileDevice::Permissions());
+    EventTurns turns;
+    {
+        PlainUser user;
+        ASSERT_TRUE(FolderCanBeListed(dir.filePath("Sub1"))) << "the temporary folder is closed";
+        ASSERT_FALSE(FolderCanBeListed(dir.filePath("Sub2")))
+            << "this user can read a folder of mode 000";
+        AddFolderTree(t.model, dir.path());
+    }
+    QFile::setPermissions(dir.filePath("Sub2"), open);
+    EXPECT_EQ(t.column(0), QStringList({"a.mp3", "b.mp3", "c.mp3", "d.mp3"}));
+    EXPECT_EQ(t.model.state.countCaption(), "4");
+}
+
 TEST(AddFolderTree, NotAFolder_DoesNothing) {
     ListTestModel t;
     t.model.state.setCountCaption("untouched");
@@ -411,4 +442,54 @@ TEST(AddDroppedFiles, FlagIsResetEachPass_CancelInATurnEndsTheLoop) {
     AddDroppedFiles(t.model, {"/m/1", "/m/2", "/m/3"});
     EXPECT_EQ(t.model.items.count(), 2);
     EXPECT_EQ(t.model.state.countCaption(), "2");
+}
+
+TEST(AddFiles, CancelDuringAParallelFill_NoLaterRowAndNoWorkerLeftRunning) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    // Real MP3 frames would take longer; the reads ahead need only be running.
+    for (int i = 1; i <= 120; ++i) {
+        touch(dir.filePath(QStringLiteral("%1.mp3").arg(i, 3, 10, QChar('0'))));
+    }
+    int readsRunningAtCancel = -1;
+    EventTurns turns([&](int n) {
+        if (n == 5) {
+            readsRunningAtCancel = ReadAhead::runningReads();
+            CancelAdding(t.model);
+        }
+    });
+    AddFolderFiles(t.model, dir.path());
+    EXPECT_EQ(ReadAhead::runningReads(), 0);
+    ASSERT_EQ(t.model.items.count(), 5);
+    for (int row = 1; row <= 5; ++row) {
+        const QString name = QStringLiteral("%1.mp3").arg(row, 3, 10, QChar('0'));
+        EXPECT_EQ(t.model.items.cell(row, 0), name);
+        EXPECT_EQ(t.model.items.cell(row, 3), dir.filePath(name));
+        EXPECT_EQ(t.model.items.cell(row, 1), "1 KB");
+    }
+    EXPECT_EQ(t.model.state.countCaption(), "5");
+    EXPECT_GE(readsRunningAtCancel, 0);
+    // Nothing is added after the loop has returned.
+    QCoreApplication::processEvents();
+    EXPECT_EQ(t.model.items.count(), 5);
+}
+
+TEST(AddFiles, ListTypeChangedInATurn_LaterRowsAreReadForTheNewType) {
+    ListTestModel t;
+    QTemporaryDir dir;
+    for (int i = 1; i <= 6; ++i) {
+        touch(dir.filePath(QStringLiteral("%1.mp3").arg(i)));
+    }
+    EventTurns turns([&](int n) {
+        if (n == 2) {
+            // What the Change link does to an emptied list.
+            t.model.items.clearRows();
+            NewItemList(t.model, QStringLiteral("MPEG"));
+        }
+    });
+    AddFolderFiles(t.model, dir.path());
+    ASSERT_EQ(t.model.items.count(), 4);
+    // Read as MPEG files: no video, so the size cell is "0x0".
+    EXPECT_EQ(t.model.items.cell(1, 5), "0x0");
+    EXPECT_EQ(t.model.items.cell(4, 6), "0 seconds");
 }

@@ -2,10 +2,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 
 #include "ListTestModel.h"
 #include "app/IniFile.h"
 #include "support/FileSizeLimit.h"
+#include "support/PlainUser.h"
 
 namespace {
 
@@ -182,15 +184,77 @@ TEST(SaveList, NameWithoutExtension_IsWrittenAsGiven) {
     EXPECT_EQ(t.model.state.windowTitle(), "Velmora - (mylist)");
 }
 
-TEST(SaveList, UnwritablePath_NoMessageNoFileButTheNameIsTaken) {
+TEST(SaveList, UnwritablePath_SaysWhyAndKeepsNameAndTitle) {
     ListTestModel t;
+    t.model.state.setWindowTitle("Velmora - (Untitled)");
     const QString path = t.appData.filePath("no/such/folder/l.vlr");
     t.questions.chooseFile(path);
     SaveList(t.model, 0);
-    EXPECT_TRUE(t.questions.asked.isEmpty());
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    const QString prompt = t.questions.asked[0].prompt;
+    EXPECT_TRUE(prompt.startsWith("Unable to save the list!\r\n" + path + "\r\n\r\n"))
+        << prompt.toStdString();
+    EXPECT_TRUE(prompt.contains("No such file or directory")) << prompt.toStdString();
+    EXPECT_EQ(t.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
     EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(t.model.state.listFileName(), "");
+    EXPECT_EQ(t.model.state.windowTitle(), "Velmora - (Untitled)");
+}
+
+// A folder that allows no new file (here: mode 555 for a plain user) while
+// the list file itself may be written: the list is written in place.
+TEST(SaveList, FolderRefusingNewFiles_WritesTheListInPlace) {
+    ListTestModel t;
+    QTemporaryDir place;
+    QFile::setPermissions(place.path(), QFileDevice::Permissions(0x7755));
+    const QString folder = place.filePath("closed");
+    const QString path = folder + "/named.vlr";
+    QDir().mkpath(folder);
+    writeBytes(path, "old list bytes");
+    QFile::setPermissions(path, QFileDevice::Permissions(0x6666));
+    const QFileDevice::Permissions readAndEnter(0x5555);
+    QFile::setPermissions(folder, readAndEnter);
+    t.model.state.setListFileName(path);
+    t.addRow(kRowA);
+    {
+        PlainUser user;
+        SaveList(t.model, 0);
+    }
+    QFile::setPermissions(folder, QFileDevice::Permissions(0x7755));
+    EXPECT_TRUE(t.questions.asked.isEmpty());
+    EXPECT_EQ(readAll(path), ListFileText(t.model));
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"named.vlr"});
     EXPECT_EQ(t.model.state.listFileName(), path);
-    EXPECT_EQ(t.model.state.windowTitle(), "Velmora - (l.vlr)");
+}
+
+// Neither a new file nor the list file may be written: the message gives the
+// system's reason, and the list keeps its old name and title.
+TEST(SaveList, ReadOnlyFileInAClosedFolder_SaysWhyAndKeepsNameAndTitle) {
+    ListTestModel t;
+    QTemporaryDir place;
+    QFile::setPermissions(place.path(), QFileDevice::Permissions(0x7755));
+    const QString folder = place.filePath("closed");
+    const QString path = folder + "/named.vlr";
+    QDir().mkpath(folder);
+    writeBytes(path, "old list bytes");
+    QFile::setPermissions(path, QFileDevice::Permissions(0x4444));
+    const QFileDevice::Permissions readAndEnter(0x5555);
+    QFile::setPermissions(folder, readAndEnter);
+    t.model.state.setWindowTitle("Velmora - (old)");
+    t.model.state.setListFileName(t.appData.filePath("old.vlr"));
+    t.questions.chooseFile(path);
+    {
+        PlainUser user;
+        SaveList(t.model, -1);
+    }
+    QFile::setPermissions(folder, QFileDevice::Permissions(0x7755));
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    const QString prompt = t.questions.asked[0].prompt;
+    EXPECT_TRUE(prompt.endsWith("Permission denied") || prompt.endsWith("is not writable"))
+        << prompt.toStdString();
+    EXPECT_EQ(readAll(path), "old list bytes");
+    EXPECT_EQ(t.model.state.listFileName(), t.appData.filePath("old.vlr"));
+    EXPECT_EQ(t.model.state.windowTitle(), "Velmora - (old)");
 }
 
 TEST(SaveList, LeavesNoTemporaryFileBehind) {
@@ -228,6 +292,8 @@ TEST(SaveList, WriteFailingHalfWay_LeavesTheOldFileWhole) {
     EXPECT_EQ(QDir(t.appData.path()).entryList(QDir::Files | QDir::Hidden),
               QStringList{"named.vlr"});
     EXPECT_EQ(t.model.state.listFileName(), path);
+    ASSERT_EQ(t.questions.asked.size(), 1);
+    EXPECT_TRUE(t.questions.asked[0].prompt.startsWith("Unable to save the list!"));
 }
 
 TEST(OpenList, SavedList_OpensWithAllCellsAndGrades) {

@@ -9,6 +9,8 @@
 #include "list/AddFilesModule.h"
 #include "list/ClipboardModule.h"
 #include "list/ListTotals.h"
+#include "list/ReadAhead.h"
+#include "media/ItemCells.h"
 #include "platform/EventTurn.h"
 #include "support/TestEnvironment.h"
 
@@ -102,4 +104,24 @@ TEST(RealMediaList, PastedEntry_IsFilledForTheListItIsPastedInto) {
     EXPECT_EQ(t.model.items.cell(1, 0), "mimetype-mpeg.mpeg");
     EXPECT_EQ(t.model.items.cell(1, 5), "320x240");
     EXPECT_EQ(t.model.items.cell(1, 6), "0 seconds");
+}
+
+TEST(RealMediaList, FilesReadOnSeveralThreads_GiveTheSameCellsAsReadOneByOne) {
+    QTemporaryDir dir;
+    const QStringList samples{"filetype-fixture.mp3", "mimetype-mp3.v2.notag.mp3",
+                              "mimetype-mp3.v2.5.notag.mp3", "mimetype-mp3.mp3"};
+    QStringList paths;
+    for (int i = 0; i < 160; ++i) {
+        const QString& sample = samples.at(i % samples.size());
+        paths.append(copySample(dir, sample, QStringLiteral("%1-%2").arg(i).arg(sample)));
+    }
+    QList<ItemCellTexts> oneByOne;
+    for (const QString& path : paths) {
+        oneByOne.append(ItemCells(path, QStringLiteral("MP3")));
+    }
+    ReadAhead files(paths, QStringLiteral("MP3"), ItemCells, 2, 16);
+    for (int i = 0; i < files.count(); ++i) {
+        const ItemCellTexts cells = files.take(i);
+        ASSERT_EQ(cells, oneByOne.at(i)) << paths.at(i).toStdString();
+    }
 }

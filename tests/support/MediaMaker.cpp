@@ -179,6 +179,7 @@ QString MakeMpeg(const QString& folder, const QString& fileName, const MpegOptio
         args += {QStringLiteral("-c:v"), options.mpegVersion == 2 ? QStringLiteral("mpeg2video")
                                                                   : QStringLiteral("mpeg1video")};
         if (options.videoKbps > 0) {
+            args += {QStringLiteral("-vf"), QStringLiteral("noise=alls=60:allf=t")};
             args += {QStringLiteral("-b:v"),     QStringLiteral("%1k").arg(options.videoKbps),
                      QStringLiteral("-maxrate"), QStringLiteral("%1k").arg(options.videoKbps),
                      QStringLiteral("-bufsize"), QStringLiteral("%1k").arg(options.videoKbps)};

@@ -45,8 +45,10 @@ struct MpegOptions {
     bool withVideo = true;  // false gives an audio-only program stream
     int audioRate = 44100;
     int audioKbps = 128;
-    int videoKbps = 0;  // 0: ffmpeg's default; set it to make bigger files
-    QString format;     // muxer: "mpeg" (default for MPEG-1) or "vob" (default for MPEG-2)
+    // 0: ffmpeg's default. Set, it makes bigger files: the pictures get a
+    // grain that changes from picture to picture, so the encoder spends it.
+    int videoKbps = 0;
+    QString format;  // muxer: "mpeg" (default for MPEG-1) or "vob" (default for MPEG-2)
 };
 
 // An MPEG program stream named fileName in folder.

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileSystemModel>
 #include <QImage>
 #include <QLabel>
 #include <QPushButton>
@@ -17,6 +18,7 @@
 #include "app/IniFile.h"
 #include "list/ListFunctions.h"
 #include "list/MainModel.h"
+#include "platform/Drives.h"
 #include "platform/EventTurn.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
@@ -63,6 +65,7 @@ protected:
     }
     void TearDown() override {
         setEventTurnHook({});
+        SetDriveRootsOverride({});
         SetAppDataFolder(QString());
     }
 
@@ -118,11 +121,31 @@ TEST_F(AddDirectoryBoxTest, EmptySetting_StartsAtTheRoot) {
     EXPECT_EQ(box.drive(), "/");
 }
 
-TEST_F(AddDirectoryBoxTest, RememberedFolder_IsShownOnItsDrive) {
-    WriteSetting("Commondialog", "AddFiles", media.path());
+TEST_F(AddDirectoryBoxTest, RememberedFolderOnTheStartingDrive_IsShown) {
+    // One drive only: DriveBox starts on it, so setting it changes nothing.
+    SetDriveRootsOverride({QStringLiteral("/")});
+    putSample("inner/a.mp3");
+    WriteSetting("Commondialog", "AddFiles", media.filePath("inner"));
     AddDirectoryBox box(model);
+    EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.filePath("inner")));
+    EXPECT_EQ(box.drive(), "/");
+}
+
+TEST_F(AddDirectoryBoxTest, RememberedFolderOnAnotherDrive_ShowsThatDrivesCurrentFolder) {
+    // The media folder stands in for a second file system.
+    SetDriveRootsOverride({QStringLiteral("/"), media.path()});
+    putSample("inner/a.mp3");
+    WriteSetting("Commondialog", "AddFiles", media.filePath("inner"));
+    AddDirectoryBox box(model);
+    EXPECT_EQ(box.drive(), QDir::cleanPath(media.path()));
+    // Setting the drive fired its change step: the drive's current folder,
+    // its root as nothing was chosen on it yet, and not the remembered one.
     EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.path()));
-    EXPECT_EQ(box.drive(), box.driveOf(media.path()));
+    EXPECT_EQ(box.findChild<QTreeView*>("DirBox")
+                  ->rootIndex()
+                  .data(QFileSystemModel::FilePathRole)
+                  .toString(),
+              QDir::cleanPath(media.path()));
 }
 
 TEST_F(AddDirectoryBoxTest, RememberedFolderGone_LeavesTheRoot) {
@@ -206,24 +229,17 @@ TEST_F(AddDirectoryBoxTest, Cancel_AddsNothingAndKeepsTheSetting) {
 }
 
 TEST_F(AddDirectoryBoxTest, ChangingTheDrive_ShowsThatDrivesCurrentFolder) {
+    QTemporaryDir other;
+    ASSERT_TRUE(other.isValid());
+    SetDriveRootsOverride({QStringLiteral("/"), media.path(), other.path()});
+    putSample("inner/a.mp3");
     AddDirectoryBox box(model);
-    auto* drives = box.findChild<QComboBox*>("DriveBox");
-    QString other;
-    for (int i = 0; i < drives->count(); ++i) {
-        if (drives->itemData(i).toString() != "/") {
-            other = drives->itemData(i).toString();
-            break;
-        }
-    }
-    if (other.isEmpty()) {
-        GTEST_SKIP() << "only one mounted file system";
-    }
-    box.setDirPath(media.path());
-    const QString mediaDrive = box.driveOf(media.path());
-    box.setDrive(other == mediaDrive ? QStringLiteral("/") : other);
-    EXPECT_NE(box.dirPath(), QDir::cleanPath(media.path()));
-    box.setDrive(mediaDrive);
-    EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.path()));
+    box.setDrive(QDir::cleanPath(media.path()));
+    box.setDirPath(media.filePath("inner"));
+    box.setDrive(QDir::cleanPath(other.path()));
+    EXPECT_EQ(box.dirPath(), QDir::cleanPath(other.path()));
+    box.setDrive(QDir::cleanPath(media.path()));
+    EXPECT_EQ(box.dirPath(), QDir::cleanPath(media.filePath("inner")));
 }
 
 TEST_F(AddDirectoryBoxTest, Picture_ShowsTheWindow) {

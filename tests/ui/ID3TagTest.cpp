@@ -242,6 +242,56 @@ TEST_F(ID3TagTest, RemoveTag_ZeroesTheTagButTheGenreByte) {
     EXPECT_FALSE(reader.HasTag());
 }
 
+TEST_F(ID3TagTest, RemoveTag_OnAFileWithoutTag_ZeroesTheLast127BytesButOne) {
+    const QString path = makeUntagged("plain.mp3");
+    const QByteArray before = readAll(path);
+    ASSERT_NE(before.mid(before.size() - 128, 127), QByteArray(127, '\0'));
+    ID3Tag window(model);
+    window.setFileName(path);
+    window.show();
+    child<QPushButton>(window, "cmdRemove")->click();
+    EXPECT_FALSE(window.isVisible());
+    // No test for a tag stands before the write: the end of the audio goes.
+    const QByteArray after = readAll(path);
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_EQ(after.left(after.size() - 128), before.left(before.size() - 128));
+    EXPECT_EQ(after.mid(after.size() - 128, 127), QByteArray(127, '\0'));
+    EXPECT_EQ(after.back(), before.back());
+}
+
+TEST_F(ID3TagTest, NonMpegFileInAnMp3List_InfoIsEmptyAndTheFieldsWorkAllTheSame) {
+    // A text file under an MP3 name: no frame header anywhere, no tag.
+    const QString path = dir.filePath("notes.mp3");
+    QByteArray text;
+    for (int i = 0; i < 40; ++i) {
+        text += "Line of a plain text file, not MPEG audio at all.\n";
+    }
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    ID3Tag window(model);
+    window.setFileName(path);
+    window.show();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(child<QLabel>(window, "lblInfo")->text(), "");
+    EXPECT_EQ(child<QComboBox>(window, "cboGenre")->currentIndex(), 0);
+    EXPECT_TRUE(child<QLineEdit>(window, "txtTitle")->text().isEmpty());
+    child<QLineEdit>(window, "txtTitle")->setText("Notes");
+    child<QLineEdit>(window, "txtYear")->setText("2020");
+    child<QPushButton>(window, "cmdSave")->click();
+    const QByteArray after = readAll(path);
+    ASSERT_EQ(after.size(), text.size());
+    EXPECT_EQ(after.left(text.size() - 128), text.left(text.size() - 128));
+    EXPECT_EQ(after.right(128), "TAG" + field("Notes", 30) + field("", 30) + field("", 30) +
+                                    field("2020", 4) + field("", 30) + QByteArray(1, char(0)));
+    ID3Reader reader;
+    reader.setFileName(path);
+    EXPECT_TRUE(reader.HasTag());
+    EXPECT_EQ(reader.Title(), "Notes");
+}
+
 TEST_F(ID3TagTest, Cancel_LeavesTheFileAsItWas) {
     const QString path = makeTagged("tagged.mp3");
     const QByteArray before = readAll(path);

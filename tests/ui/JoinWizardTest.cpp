@@ -16,6 +16,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QUrl>
 
 #include "app/AppPaths.h"
 #include "join/JoinWizardState.h"
@@ -24,6 +25,7 @@
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
+#include "media/ID3Reader.h"
 #include "platform/ProcessKiller.h"
 #include "platform/Shell.h"
 #include "support/MediaMaker.h"
@@ -31,6 +33,7 @@
 #include "support/ScriptedQuestions.h"
 #include "ui/ID3Tag.h"
 #include "ui/JoinWizard.h"
+#include "ui/TextFitCheck.h"
 
 namespace {
 
@@ -91,7 +94,7 @@ protected:
         SetAppDataFolder(appData);
         SetInstallFolderOverride(install);
         // The real tools under their install names.
-        QFile::copy("/usr/bin/vbrfix", install + "/MP3.dll");
+        QFile::copy(VELMORA_MP3_FIX_TOOL, install + "/MP3.dll");
         QFile::copy("/usr/bin/mpgtx", install + "/MPEG.dll");
         QFile::copy("/usr/bin/ffmpeg", install + "/MPEG2.dll");
         // Only processes of this test's folders may be ended by name.
@@ -319,6 +322,65 @@ TEST_F(JoinWizardTest, Mp3Join_FromStartJoinToFinishedAndClose) {
     EXPECT_GT(QFileInfo(output).size(), 0);
 }
 
+TEST_F(JoinWizardTest, ResultActions_EachUsedThreeTimesInARow_WindowStaysOpen) {
+    if (!HaveFfmpeg()) {
+        GTEST_SKIP() << "ffmpeg is needed to make the MP3 files";
+    }
+    QStringList folderCalls;
+    const FileManagerCall previousCall =
+        setFileManagerCallHook([&](const QString& method, const QStringList& uris) {
+            folderCalls.append(method + u' ' + uris.join(u' '));
+            return true;
+        });
+    fillList("MP3", {makeMp3("one.mp3", 2, 440), makeMp3("two.mp3", 2, 550)});
+    const QString output = media + "/joined.mp3";
+    questions.chooseFile(output);
+    ASSERT_TRUE(StartJoin(model));
+    JoinWizard window(model);
+    joinToTheEnd(window, output);
+    QAction* launch = window.findChild<QAction*>("OptionsLaunchFile");
+    QAction* folder = window.findChild<QAction*>("OptionsOpenFolder");
+    QAction* tag = window.findChild<QAction*>("OptionsSetID3Tag");
+    ASSERT_TRUE(launch && folder && tag);
+
+    for (int round = 1; round <= 3; ++round) {
+        launch->trigger();
+        EXPECT_TRUE(window.isVisible()) << round;
+    }
+    EXPECT_EQ(launched, QStringList(3, "xdg-open " + output));
+
+    for (int round = 1; round <= 3; ++round) {
+        folder->trigger();
+        EXPECT_TRUE(window.isVisible()) << round;
+    }
+    const QString showItem =
+        "ShowItems " + QUrl::fromLocalFile(output).toString(QUrl::FullyEncoded);
+    EXPECT_EQ(folderCalls, QStringList(3, showItem));
+
+    // Each use opens a new editor on the output; the last save is what stays.
+    for (int round = 1; round <= 3; ++round) {
+        QString editorFile;
+        QTimer::singleShot(0, [&, round] {
+            auto* editor = qobject_cast<ID3Tag*>(QApplication::activeModalWidget());
+            ASSERT_NE(editor, nullptr);
+            editorFile = editor->fileName();
+            editor->findChild<QLineEdit*>("txtTitle")
+                ->setText(QStringLiteral("Take %1").arg(round));
+            editor->findChild<QPushButton*>("cmdSave")->click();
+        });
+        tag->trigger();
+        EXPECT_EQ(editorFile, output) << round;
+        EXPECT_TRUE(window.isVisible()) << round;
+        ID3Reader reader;
+        reader.setFileName(output);
+        EXPECT_EQ(reader.Title(), QStringLiteral("Take %1").arg(round));
+    }
+    EXPECT_EQ(text(window, "lblOperation"), "Finished!");
+    EXPECT_EQ(text(window, "CancelButton"), "&Close");
+    setFileManagerCallHook(previousCall);
+    closeWithTheCloseButton(window);
+}
+
 TEST_F(JoinWizardTest, Mpeg2Join_FromStartJoinToFinishedAndClose) {
     if (!HaveFfmpeg()) {
         GTEST_SKIP() << "ffmpeg is needed to make the MPEG files";
@@ -331,6 +393,42 @@ TEST_F(JoinWizardTest, Mpeg2Join_FromStartJoinToFinishedAndClose) {
     ASSERT_TRUE(StartJoin(model));
     JoinWizard window(model);
     joinToTheEnd(window, output);
+    closeWithTheCloseButton(window);
+}
+
+TEST_F(JoinWizardTest, Mpeg1Join_Operation2ShowsTheOutputGrowing_ThenFinishedAndClose) {
+    if (!HaveFfmpeg()) {
+        GTEST_SKIP() << "ffmpeg is needed to make the MPEG files";
+    }
+    // A big source listed six times, so that the remake runs for a while.
+    MpegOptions options;
+    options.seconds = 10;
+    options.videoKbps = 20000;
+    const QString source = MakeMpeg(media, "big.mpg", options);
+    ASSERT_FALSE(source.isEmpty()) << LastMediaMakerError().toStdString();
+    fillList("MPEG", QStringList(6, source));
+    ASSERT_EQ(model.items.cell(1, 4), "MPEG-1V");
+    const QString output = media + "/joined.mpg";
+    questions.chooseFile(output);
+    ASSERT_TRUE(StartJoin(model));
+    JoinWizard window(model);
+    // The figures shown while the remake runs (its marker folder there).
+    QStringList sizes;
+    QObject::connect(&window.state(), &JoinWizardState::changed, &window, [&] {
+        const QString size = text(window, "WrittenSizeLabel");
+        if (text(window, "lblOperation") == "Operation 2 of 2" && size != "0 KB" &&
+            QFileInfo(appData + "/JoinTemp").isDir() && (sizes.isEmpty() || sizes.last() != size)) {
+            sizes << size;
+        }
+    });
+    watch(window);
+    window.show();
+    ASSERT_TRUE(waitUntil([&] { return !sizes.isEmpty(); }, 120000));
+    const QImage image = takePicture(window, "join-wizard-operation2.png");
+    EXPECT_TRUE(hasContent(image));
+    EXPECT_TRUE(window.windowTitle().startsWith("Join Wizard ("));
+    joinToTheEnd(window, output);
+    EXPECT_GE(sizes.size(), 2) << sizes.join(", ").toStdString();
     closeWithTheCloseButton(window);
 }
 
@@ -430,6 +528,9 @@ TEST_F(JoinWizardTest, Picture_RunningAndFinished) {
         const QImage image = takePicture(window, "join-wizard.png");
         EXPECT_EQ(image.size(), window.size() * window.devicePixelRatio());
         EXPECT_TRUE(hasContent(image));
+        // Every text of the running window shows whole.
+        const QStringList cuts = TextFitCheck::cutTexts(window);
+        EXPECT_TRUE(cuts.isEmpty()) << cuts.join(u'\n').toStdString();
         QFile::remove(appData + "/JoinTemp/keep");
         window.findChild<QPushButton*>("CancelButton")->click();
         closeWithTheCloseButton(window);
@@ -440,6 +541,9 @@ TEST_F(JoinWizardTest, Picture_RunningAndFinished) {
     joinToTheEnd(window, output);
     const QImage image = takePicture(window, "join-wizard-finished.png");
     EXPECT_TRUE(hasContent(image));
+    // And of the finished one.
+    const QStringList cuts = TextFitCheck::cutTexts(window);
+    EXPECT_TRUE(cuts.isEmpty()) << cuts.join(u'\n').toStdString();
     closeWithTheCloseButton(window);
 }
 

@@ -70,8 +70,9 @@ TEST_F(ListInfoTest, Controls_HaveTheirNamesCaptionsColumnsAndTabOrder) {
     EXPECT_EQ(view->columnCount(), 2);
     EXPECT_EQ(view->headerItem()->text(0), "Item");
     EXPECT_EQ(view->headerItem()->text(1), "Value");
-    EXPECT_EQ(view->columnWidth(0), 134);  // 2010 twips
-    EXPECT_EQ(view->columnWidth(1), 133);  // 2000 twips
+    // At least the design widths (2010 and 2000 twips), more where a text needs it.
+    EXPECT_GE(view->columnWidth(0), 134);
+    EXPECT_GE(view->columnWidth(1), 133);
     EXPECT_EQ(window.findChild<QPushButton*>("CopyButton")->text(), "C&opy");
     EXPECT_EQ(window.findChild<QPushButton*>("CloseButton")->text(), "&Close");
     for (const char* name : {"ListView", "CopyButton", "CloseButton"}) {

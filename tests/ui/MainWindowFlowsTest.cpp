@@ -1,12 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QLabel>
 #include <QMimeData>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 
 #include "MainWindowTestHelpers.h"
+#include "app/AppPaths.h"
+#include "list/FillListItem.h"
 #include "list/ListFunctions.h"
+#include "list/MainModel.h"
 #include "support/TestEnvironment.h"
 #include "ui/ListViewControl.h"
 #include "ui/StatusBarControl.h"
@@ -152,6 +157,41 @@ TEST(ChangeListType, RealRoutines_YesAndCancelledSave_ClearsAndChangesColumns) {
     EXPECT_EQ(window.model().state.windowTitle(), title);
 }
 
+TEST(ChangeListType, ListWithAFileName_KeepsTheTitleAndTheNextSaveWritesTheEmptyList) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    SetAppDataFolder(dir.path());
+    ScriptedQuestions questions;
+    MemoryClipboard clipboard;
+    MainWindow window(questions, clipboard);
+    NewItemList(window.model(), "MP3");
+    window.model().items.addRow("a.mp3");
+    window.model().items.setCell(1, 3, "/music/a.mp3");
+    const QString listFile = dir.filePath("Party.vlr");
+    questions.chooseFile(listFile);
+    SaveList(window.model(), 0);
+    ASSERT_EQ(window.model().state.listFileName(), listFile);
+    ASSERT_EQ(window.windowTitle(), "Velmora - (Party.vlr)");
+
+    questions.answer(Msg::No);
+    window.changeListType();
+    EXPECT_EQ(window.model().items.count(), 0);
+    EXPECT_EQ(window.model().state.listType(), "MPEG");
+    // The file name and the title stay with the old list.
+    EXPECT_EQ(window.model().state.listFileName(), listFile);
+    EXPECT_EQ(window.windowTitle(), "Velmora - (Party.vlr)");
+
+    // The next plain save asks nothing and writes the new, empty list over it.
+    const int dialogsBefore = questions.dialogsShown.size();
+    SaveList(window.model(), 0);
+    EXPECT_EQ(questions.dialogsShown.size(), dialogsBefore);
+    QFile file(listFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("VLR List v1.0\r\n<MPEG>\r\n"));
+    EXPECT_EQ(window.windowTitle(), "Velmora - (Party.vlr)");
+    SetAppDataFolder(QString());
+}
+
 TEST(DropFiles, ThreeRealFiles_AddedAsRowsInTheDroppedOrder) {
     ScriptedQuestions questions;
     MemoryClipboard clipboard;
@@ -181,6 +221,46 @@ TEST(DropFiles, ThreeRealFiles_AddedAsRowsInTheDroppedOrder) {
     EXPECT_TRUE(window.findChild<QWidget*>("CancelOverlay")->isHidden());
     EXPECT_TRUE(window.findChild<QWidget*>("AddFilesProgressBar")->isHidden());
     EXPECT_EQ(window.statusBarControl()->panel(2)->text(), "");
+}
+
+TEST(DropFiles, MpegFileOnAnMp3List_AddedWithWhatFillListItemFinds) {
+    ScriptedQuestions questions;
+    MemoryClipboard clipboard;
+    MainWindow window(questions, clipboard);
+    NewItemList(window.model(), "MP3");
+    window.show();
+    const QString mpeg = SampleMediaFolder() + "/mimetype-mpeg.mpeg";
+    ASSERT_TRUE(QFile::exists(mpeg));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(mpeg)});
+    QWidget* viewport = window.listView()->viewport();
+    const QPoint at = viewport->rect().center();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &enter);
+    QDropEvent drop(QPointF(at), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &drop);
+
+    // No test of the extension or of the list's type: the row is there, in
+    // the MP3 layout, filled as any row of that file in an MP3 list.
+    const ItemList& items = window.model().items;
+    ASSERT_EQ(items.count(), 1);
+    EXPECT_EQ(window.model().state.listType(), "MP3");
+    EXPECT_EQ(items.headerCount(), 12);
+    EXPECT_EQ(items.cell(1, 0), "mimetype-mpeg.mpeg");
+    EXPECT_EQ(items.cell(1, 3), mpeg);
+    EXPECT_FALSE(items.cell(1, 1).isEmpty());
+
+    ScriptedQuestions otherQuestions;
+    MemoryClipboard otherClipboard;
+    MainModel direct(otherQuestions, otherClipboard);
+    NewItemList(direct, "MP3");
+    direct.items.addRow();
+    direct.items.setCell(1, 3, mpeg);
+    FillListItem(direct, 0);
+    for (int column = 0; column < 12; ++column) {
+        EXPECT_EQ(items.cell(1, column), direct.items.cell(1, column)) << column;
+    }
+    EXPECT_EQ(window.model().state.countCaption(), "1");
 }
 
 TEST(ListFocus, RequestFromARoutine_GivesTheListViewTheFocus) {

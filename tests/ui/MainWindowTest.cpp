@@ -6,11 +6,14 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
 #include <QUrl>
 
 #include "MainWindowTestHelpers.h"
+#include "list/ListFunctions.h"
+#include "list/ListviewLayout.h"
 #include "ui/ImageButton.h"
 #include "ui/ListViewControl.h"
 #include "ui/StatusBarControl.h"
@@ -81,11 +84,11 @@ TEST(MainWindowLayout, Load_ControlsHaveTheirDesignNamesCaptionsAndPlaces) {
                            Label{"ListTypeValue", "?", 1560, 225, 480, false},
                            Label{"ChangeListType", "(Change)", 2140, 225, 810, false},
                            Label{"ListCountLabel", "Total items in list:", 490, 560, 1755, true},
-                           Label{"ListCountValue", "0", 2385, 555, 420, false},
+                           Label{"ListCountValue", "0", 2385, 555, 1300, false},
                            Label{"ListDurationLabel", "Duration:", 4080, 225, 900, true},
                            Label{"ListDurationValue", "00:00:00", 5115, 225, 1140, false},
                            Label{"ListSizeLabel", "Filesize:", 4080, 555, 810, true},
-                           Label{"ListSizeValue", "0 KB", 5040, 555, 1260, false}}) {
+                           Label{"ListSizeValue", "0 KB", 4950, 555, 1460, false}}) {
         auto* label = Control<QLabel>(w, l.name);
         EXPECT_EQ(label->parentWidget(), info) << l.name;
         EXPECT_EQ(label->text(), l.caption) << l.name;
@@ -192,6 +195,55 @@ TEST(MainWindowLayout, Minimised_LayoutUntouched) {
     EXPECT_EQ(Control(w, "ListView")->size(), listSize);
 }
 
+TEST(MainWindowLayout, RestoredFromMaximisedBelowTheLimit_JumpsBackToTheDesignSize) {
+    WindowFixture f;
+    MainWindow& w = *f.window;
+    // The size the window goes back to is below the limit on both axes.
+    w.setClientSize(QSize(300, 200));
+    w.showMaximized();
+    QApplication::processEvents();
+    if (!w.isMaximized()) {
+        GTEST_SKIP() << "the platform cannot maximise";
+    }
+    w.showNormal();
+    // The restore, the size step's resize, and the layout of the new size.
+    for (int turn = 0; turn < 3; ++turn) {
+        QApplication::processEvents();
+    }
+    ASSERT_FALSE(w.isMaximized());
+    // Outer 6735 by 5850 twips: 449 by 390 pixels.
+    EXPECT_EQ(w.frameGeometry().width(), 449);
+    EXPECT_EQ(w.frameGeometry().height(), 390);
+    EXPECT_GE(w.clientSize().width(), 441);
+    EXPECT_GE(w.clientSize().height(), 336);
+    const int wt = w.clientSize().width() * 15;
+    EXPECT_EQ(Control(w, "ListView")->width(), qRound((wt - 630 - 270) / 15.0));
+}
+
+TEST(MainWindowLayout, Minimised_IsLaidOutAgainOnRestoring) {
+    WindowFixture f;
+    ShowAtDesignSize(f);
+    MainWindow& w = *f.window;
+    w.setWindowState(Qt::WindowMinimized);
+    QApplication::processEvents();
+    if (!w.isMinimized()) {
+        GTEST_SKIP() << "the platform cannot minimise";
+    }
+    const QSize listSize = Control(w, "ListView")->size();
+    w.setClientSize(QSize(700, 500));
+    QApplication::processEvents();
+    ASSERT_EQ(Control(w, "ListView")->size(), listSize);
+    w.setWindowState(Qt::WindowNoState);
+    QApplication::processEvents();
+    ASSERT_FALSE(w.isMinimized());
+    ASSERT_EQ(w.clientSize(), QSize(700, 500));
+    const int wt = 700 * 15, ht = 500 * 15;
+    EXPECT_EQ(Control(w, "ControlPanel")->x(), qRound((wt - 630 - 100) / 15.0));
+    EXPECT_EQ(Control(w, "InfoPanel")->y(), qRound((ht - 900 - 380) / 15.0));
+    EXPECT_EQ(Control(w, "ListView")->width(), qRound((wt - 630 - 270) / 15.0));
+    EXPECT_EQ(Control(w, "ListView")->height(), qRound((ht - 810 - 900 - 450) / 15.0));
+}
+
 TEST(MainWindowListView, ReportStyle_FullRowSingleSelection_FilepathWidthZero) {
     WindowFixture f;
     f.fillMp3List(3);
@@ -204,6 +256,61 @@ TEST(MainWindowListView, ReportStyle_FullRowSingleSelection_FilepathWidthZero) {
     EXPECT_EQ(view->columnWidth(3), 0);
     EXPECT_EQ(view->columnWidth(11), 96);
     EXPECT_EQ(view->model()->headerData(2, Qt::Horizontal).toString(), "Date Modified");
+}
+
+TEST(MainWindowListView, AtStartUp_DesignHeadersStandBeforeTheFirstLayout) {
+    WindowFixture f;
+    auto* view = f.window->listView();
+    ASSERT_EQ(view->horizontalHeader()->count(), 4);
+    const QStringList design{"Filename", "Filesize", "Date Modified", "Filepath"};
+    for (int c = 0; c < 4; ++c) {
+        EXPECT_EQ(view->model()->headerData(c, Qt::Horizontal).toString(), design.at(c));
+    }
+    EXPECT_EQ(view->columnWidth(0), 96);
+    EXPECT_EQ(view->columnWidth(1), 96);
+    EXPECT_EQ(view->columnWidth(2), 96);
+    EXPECT_EQ(view->columnWidth(3), 0);
+    ShowAtDesignSize(f);
+    EXPECT_TRUE(view->horizontalHeader()->isVisible());
+}
+
+TEST(MainWindowListView, UserColumnWidth_StaysAfterClearList_UntilALayoutRoutine) {
+    WindowFixture f;
+    ShowAtDesignSize(f);
+    f.fillMp3List(3);
+    auto* view = f.window->listView();
+    view->horizontalHeader()->resizeSection(0, 230);  // what a drag of the divider does
+    ClearList(f.model(), 0);
+    EXPECT_EQ(f.model().items.count(), 0);
+    EXPECT_EQ(view->columnWidth(0), 230);
+    EXPECT_EQ(view->columnWidth(1), 96);
+    EXPECT_EQ(view->columnWidth(3), 0);
+
+    ClearColumns(f.model());
+    AddSharedColumns(f.model());
+    AddMP3Columns(f.model());
+    EXPECT_EQ(view->columnWidth(0), 96);
+}
+
+TEST(MainWindowListView, UserColumnWidth_StaysAfterARemovalThatResetsTheView) {
+    WindowFixture f;
+    ShowAtDesignSize(f);
+    f.fillMp3List(0);
+    ItemList& items = f.model().items;
+    // Every other row repeats the path of the next one: 40 separate rows go,
+    // too many for the view to follow one by one, so it is built anew.
+    for (int i = 1; i <= 80; ++i) {
+        items.addRow(QStringLiteral("%1.mp3").arg(i));
+        items.setCell(i, 3, QStringLiteral("/music/%1.mp3").arg((i + 1) / 2));
+    }
+    QSignalSpy resets(&items, &QAbstractItemModel::modelReset);
+    auto* view = f.window->listView();
+    view->horizontalHeader()->resizeSection(2, 170);
+    RemoveDuplicatedFiles(f.model());
+    EXPECT_EQ(items.count(), 40);
+    EXPECT_EQ(resets.count(), 1);
+    EXPECT_EQ(view->columnWidth(2), 170);
+    EXPECT_EQ(view->columnWidth(0), 96);
 }
 
 TEST(MainWindowListView, Selection_KeptInSelectedIndexBothWays) {

@@ -7,6 +7,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
+#include <functional>
 
 #include "list/ListFunctions.h"
 #include "list/MainModel.h"
@@ -227,6 +229,56 @@ TEST_F(RemoveWizardTest, CancelHalfWayThroughAThousandRows_KeepsWhatWasDone) {
     }
     EXPECT_EQ(model.items.cell(501, 0), "0502.mp3");
     EXPECT_EQ(model.items.cell(750, 0), "1000.mp3");
+}
+
+// A run of 1,000 rows stopped after 500 by the given action: the rows handled
+// so far are gone, the others stay, and the window is closed.
+static void expectStoppedHalfWay(MainModel& model, RemoveWizard& window,
+                                 const std::function<void()>& stop) {
+    window.findChild<QComboBox*>("ColumnToCheck")->setCurrentIndex(4);
+    auto* values = window.findChild<QComboBox*>("ValueToCheck");
+    values->setCurrentIndex(values->findText("Drop"));
+    window.findChild<QRadioButton*>("RemoveMatchingRows")->setChecked(true);
+    int turns = 0;
+    setEventTurnHook([&] {
+        if (++turns == 500) {
+            stop();
+        }
+    });
+    window.findChild<QPushButton*>("FinishButton")->click();
+    setEventTurnHook({});
+    EXPECT_EQ(turns, 500);
+    EXPECT_EQ(window.cancelRemove(), -1);
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(model.items.count(), 750);
+}
+
+TEST_F(RemoveWizardTest, EscapeDuringARun_CancelsItLikeCancelButton) {
+    for (int i = 1; i <= 1000; ++i) {
+        addRow(QStringLiteral("%1.mp3").arg(i), i % 2 == 0 ? "Keep" : "Drop");
+    }
+    RemoveWizard window(model);
+    window.show();
+    expectStoppedHalfWay(model, window, [&] { QTest::keyClick(&window, Qt::Key_Escape); });
+}
+
+TEST_F(RemoveWizardTest, CloseBoxDuringARun_CancelsItLikeCancelButton) {
+    for (int i = 1; i <= 1000; ++i) {
+        addRow(QStringLiteral("%1.mp3").arg(i), i % 2 == 0 ? "Keep" : "Drop");
+    }
+    RemoveWizard window(model);
+    window.show();
+    expectStoppedHalfWay(model, window, [&] { window.close(); });
+}
+
+TEST_F(RemoveWizardTest, EscapeBeforeARun_ClosesWithTheCancelFlag) {
+    addRow("a.mp3", "A");
+    RemoveWizard window(model);
+    window.show();
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(window.cancelRemove(), -1);
+    EXPECT_EQ(model.items.count(), 1);
 }
 
 TEST_F(RemoveWizardTest, Picture_ShowsTheWindow) {

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+// The MP3 fix of a join: one pass from the raw join of MP3 files to the
+// output. The output holds only the Layer III audio frames of the input, in
+// order, behind one new header frame ("Info" when every frame has the header
+// frame's bit rate, "Xing" otherwise) that counts every frame and byte, holds
+// a seek table, and, where the files had one, a LAME extension with the first
+// file's encoder delay and the last file's padding. Every tag, every file's own
+// header frame and everything else between the frames is left out.
+//
+// The output is written as the input is read, so it grows while the fix runs,
+// and the header frame, written first with empty counts, is filled in at the
+// end. When the fix fails the output is removed (or never made).
+namespace Mp3Fixer {
+
+enum Status {
+    Fixed = 0,
+    UsageError = 1,
+    UnreadableInput = 2,
+    NoAudioFrame = 3,
+    WriteError = 4,
+};
+
+// Fixes input into output; on failure error holds one line that says why.
+Status FixFile(const std::string& input, const std::string& output, std::string& error);
+
+}  // namespace Mp3Fixer

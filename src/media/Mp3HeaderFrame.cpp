@@ -1,0 +1,175 @@
+#include "media/Mp3HeaderFrame.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr std::uint32_t kFramesFlag = 1;
+constexpr std::uint32_t kBytesFlag = 2;
+constexpr std::uint32_t kTocFlag = 4;
+constexpr std::uint32_t kQualityFlag = 8;
+constexpr int kVbriOffset = 4 + 32;
+
+std::uint32_t bigEndian32(const std::uint8_t* p) {
+    return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) |
+           std::uint32_t{p[3]};
+}
+
+void putBigEndian32(std::uint8_t* p, std::uint32_t value) {
+    p[0] = static_cast<std::uint8_t>(value >> 24);
+    p[1] = static_cast<std::uint8_t>(value >> 16);
+    p[2] = static_cast<std::uint8_t>(value >> 8);
+    p[3] = static_cast<std::uint8_t>(value);
+}
+
+// Where the Xing or Info header of a frame with this header starts.
+int xingOffset(const MpegFrameHeader& header) {
+    return 4 + (header.hasCrc() ? 2 : 0) + header.sideInfoLength();
+}
+
+bool trustedEncoder(const std::uint8_t* name) {
+    return std::memcmp(name, "LAME", 4) == 0 || std::memcmp(name, "Lavf", 4) == 0 ||
+           std::memcmp(name, "Lavc", 4) == 0;
+}
+
+struct Crc16Table {
+    std::uint16_t entries[8][256];
+    Crc16Table() {
+        for (int byte = 0; byte < 256; ++byte) {
+            std::uint16_t crc = static_cast<std::uint16_t>(byte);
+            for (int bit = 0; bit < 8; ++bit) {
+                crc = static_cast<std::uint16_t>((crc & 1) ? (crc >> 1) ^ 0xA001 : crc >> 1);
+            }
+            entries[0][byte] = crc;
+        }
+        for (int byte = 0; byte < 256; ++byte) {
+            for (int slice = 1; slice < 8; ++slice) {
+                const std::uint16_t previous = entries[slice - 1][byte];
+                entries[slice][byte] =
+                    static_cast<std::uint16_t>((previous >> 8) ^ entries[0][previous & 0xFF]);
+            }
+        }
+    }
+};
+
+const Crc16Table& crcTable() {
+    static const Crc16Table table;
+    return table;
+}
+
+}  // namespace
+
+std::uint16_t Mp3Crc16(std::uint16_t crc, const std::uint8_t* data, std::size_t length) {
+    const auto& t = crcTable().entries;
+    // Eight bytes a round through eight tables, the rest byte by byte.
+    while (length >= 8) {
+        const std::uint16_t a = static_cast<std::uint16_t>(crc ^ (data[0] | (data[1] << 8)));
+        crc = static_cast<std::uint16_t>(t[7][a & 0xFF] ^ t[6][a >> 8] ^ t[5][data[2]] ^
+                                         t[4][data[3]] ^ t[3][data[4]] ^ t[2][data[5]] ^
+                                         t[1][data[6]] ^ t[0][data[7]]);
+        data += 8;
+        length -= 8;
+    }
+    while (length-- > 0) {
+        crc = static_cast<std::uint16_t>((crc >> 8) ^ t[0][(crc ^ *data++) & 0xFF]);
+    }
+    return crc;
+}
+
+Mp3HeaderFrame Mp3HeaderFrame::read(const std::uint8_t* frame, std::size_t length,
+                                    const MpegFrameHeader& header) {
+    Mp3HeaderFrame found;
+    const std::size_t at = static_cast<std::size_t>(xingOffset(header));
+    if (at + 8 <= length &&
+        (std::memcmp(frame + at, "Xing", 4) == 0 || std::memcmp(frame + at, "Info", 4) == 0)) {
+        found.kind = frame[at] == 'X' ? Kind::Xing : Kind::Info;
+        const std::uint32_t flags = bigEndian32(frame + at + 4);
+        std::size_t next = at + 8;
+        if ((flags & kFramesFlag) && next + 4 <= length) {
+            found.hasFrames = true;
+            found.frames = bigEndian32(frame + next);
+            next += 4;
+        }
+        if ((flags & kBytesFlag) && next + 4 <= length) {
+            found.hasBytes = true;
+            found.bytes = bigEndian32(frame + next);
+            next += 4;
+        }
+        if (flags & kTocFlag) {
+            next += 100;
+        }
+        if ((flags & kQualityFlag) && next + 4 <= length) {
+            found.hasQuality = true;
+            found.quality = bigEndian32(frame + next);
+            next += 4;
+        }
+        if (next + kLameExtensionBytes <= length && trustedEncoder(frame + next)) {
+            found.hasLame = true;
+            std::memcpy(found.lame.data(), frame + next, kLameExtensionBytes);
+            const std::uint8_t* pads = frame + next + 21;
+            found.delay = (pads[0] << 4) | (pads[1] >> 4);
+            found.padding = ((pads[1] & 0x0F) << 8) | pads[2];
+        }
+        return found;
+    }
+    if (kVbriOffset + 18 <= static_cast<int>(length) &&
+        std::memcmp(frame + kVbriOffset, "VBRI", 4) == 0) {
+        found.kind = Kind::Vbri;
+        found.hasBytes = true;
+        found.bytes = bigEndian32(frame + kVbriOffset + 10);
+        found.hasFrames = true;
+        found.frames = bigEndian32(frame + kVbriOffset + 14);
+    }
+    return found;
+}
+
+int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps) {
+    const int needed =
+        xingOffset(header.withField(16, 1, 1)) + kXingHeaderBytes + kLameExtensionBytes;
+    int fallback = 0;
+    for (int index = 1; index < 15; ++index) {
+        const MpegFrameHeader candidate = header.withField(17, 4, static_cast<std::uint32_t>(index))
+                                              .withField(23, 1, 0)
+                                              .withField(16, 1, 1);
+        if (candidate.frameLength() < needed) {
+            continue;
+        }
+        if (fallback == 0) {
+            fallback = index;
+        }
+        if (candidate.bitrateKbps() >= wantedKbps) {
+            return index;
+        }
+    }
+    return fallback;
+}
+
+void WriteHeaderFrame(const MpegFrameHeader& header, const Mp3HeaderFrameContent& content,
+                      std::uint8_t* frame) {
+    const int length = header.frameLength();
+    std::memset(frame, 0, static_cast<std::size_t>(length));
+    const auto headerBytes = header.bytes();
+    std::memcpy(frame, headerBytes.data(), 4);
+    const int at = xingOffset(header);
+    std::memcpy(frame + at, content.info ? "Info" : "Xing", 4);
+    putBigEndian32(frame + at + 4, kFramesFlag | kBytesFlag | kTocFlag | kQualityFlag);
+    putBigEndian32(frame + at + 8, content.frames);
+    putBigEndian32(frame + at + 12, content.bytes);
+    std::memcpy(frame + at + 16, content.toc.data(), content.toc.size());
+    putBigEndian32(frame + at + 116, content.quality);
+    if (!content.withLame) {
+        return;
+    }
+    std::uint8_t* lame = frame + at + kXingHeaderBytes;
+    std::memcpy(lame, content.lame.data(), kLameExtensionBytes);
+    lame[21] = static_cast<std::uint8_t>(content.delay >> 4);
+    lame[22] = static_cast<std::uint8_t>(((content.delay & 0x0F) << 4) | (content.padding >> 8));
+    lame[23] = static_cast<std::uint8_t>(content.padding & 0xFF);
+    putBigEndian32(lame + 28, content.musicLength);
+    lame[32] = static_cast<std::uint8_t>(content.musicCrc >> 8);
+    lame[33] = static_cast<std::uint8_t>(content.musicCrc);
+    const std::uint16_t tagCrc =
+        Mp3Crc16(0, frame, static_cast<std::size_t>(at + kXingHeaderBytes + 34));
+    lame[34] = static_cast<std::uint8_t>(tagCrc >> 8);
+    lame[35] = static_cast<std::uint8_t>(tagCrc);
+}

@@ -1,0 +1,128 @@
+#!/bin/sh
+# Builds the Debian package from a clean copy of the tracked files, checks it
+# with lintian, validates the desktop entry and the AppStream metadata it
+# installs, checks its dependencies, extracts it into a temporary root and
+# starts the extracted program under a virtual X server until its main window
+# and the New List dialog show.
+#
+#   check_debian_package.sh <source-folder> <work-folder>
+#
+# Exits 77 (skipped) only when the packaging tools are missing and cannot be
+# installed.
+set -eu
+
+SOURCE=$1
+WORK=$2
+mkdir -p "$WORK"
+WORK=$(cd "$WORK" && pwd)
+
+TOOLS="dpkg-dev debhelper fakeroot lintian desktop-file-utils appstream xdotool xvfb xauth"
+missing=""
+for package in $TOOLS; do
+    if ! dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
+        missing="$missing $package"
+    fi
+done
+if [ -n "$missing" ]; then
+    if [ "$(id -u)" -eq 0 ] || sudo -n true 2>/dev/null; then
+        SUDO=""
+        [ "$(id -u)" -eq 0 ] || SUDO="sudo -n"
+        # shellcheck disable=SC2086
+        if ! { $SUDO env DEBIAN_FRONTEND=noninteractive apt-get update &&
+            $SUDO env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing; }; then
+            echo "SKIPPED: the packaging tools could not be installed:$missing"
+            exit 77
+        fi
+    else
+        echo "SKIPPED: the packaging tools are missing and neither root nor sudo is at hand:$missing"
+        exit 77
+    fi
+fi
+
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+echo "== Building the package"
+"$SOURCE/scripts/package.sh" "$WORK/out"
+DEB=$(ls "$WORK"/out/velmora_*_*.deb)
+VERSION=$(dpkg-deb -f "$DEB" Version)
+EXPECTED=$(sed -n 's/^project(Velmora VERSION \([0-9.]*\).*/\1/p' "$SOURCE/CMakeLists.txt")
+[ "$VERSION" = "$EXPECTED" ] || fail "the package version $VERSION is not the project's $EXPECTED"
+
+echo "== lintian"
+lintian --fail-on error "$DEB" || fail "lintian reports errors"
+
+echo "== Dependencies"
+DEPENDS=$(dpkg-deb -f "$DEB" Depends)
+echo "$DEPENDS"
+for needed in libmediainfo0v5 ffmpeg mpgtx; do
+    echo "$DEPENDS" | tr ',' '\n' | sed 's/^ *//; s/ .*//' | grep -qx "$needed" ||
+        fail "Depends does not name $needed"
+done
+
+echo "== Extracting"
+ROOT=$WORK/root
+rm -rf "$ROOT"
+dpkg-deb -x "$DEB" "$ROOT"
+FOLDER=$(dirname "$(find "$ROOT/usr/lib" -name velmora -type f -perm -u+x | head -n 1)")
+for name in velmora DefaultSettings.ini ReadMe.htm MP3.dll MPEG.dll MPEG2.dll; do
+    [ -e "$FOLDER/$name" ] || [ -L "$FOLDER/$name" ] || fail "$name is missing from the program folder"
+done
+[ -L "$ROOT/usr/bin/velmora" ] || fail "/usr/bin/velmora is not a link to the program"
+[ -f "$ROOT/usr/share/man/man1/velmora.1.gz" ] || fail "the manual page is missing"
+[ -f "$ROOT/usr/share/icons/hicolor/scalable/apps/velmora.svg" ] || fail "the icon is missing"
+
+echo "== desktop-file-validate"
+desktop-file-validate "$ROOT/usr/share/applications/velmora.desktop" || fail "the desktop entry is invalid"
+
+echo "== appstreamcli validate"
+METAINFO=$(ls "$ROOT"/usr/share/metainfo/*.metainfo.xml)
+appstreamcli validate --no-net "$METAINFO" || fail "the AppStream metadata is invalid"
+grep -q '<caption>' "$METAINFO" || fail "the AppStream metadata has no screenshot captions"
+
+echo "== Starting the extracted program"
+RUN=$WORK/run
+rm -rf "$RUN"
+mkdir -p "$RUN/home" "$RUN/data"
+cat >"$RUN/start.sh" <<'SCRIPT'
+#!/bin/sh
+# Runs under xvfb-run: starts the program, waits for its windows, stops it.
+program=$1
+"$program" >"$RUN/output.txt" 2>&1 &
+pid=$!
+found=1
+i=0
+while [ $i -lt 120 ]; do
+    if ! kill -0 $pid 2>/dev/null; then
+        echo "the program ended before its windows showed"
+        break
+    fi
+    if xdotool search --onlyvisible --name '^New List$' >/dev/null 2>&1 &&
+        xdotool search --onlyvisible --name '^Velmora' >/dev/null 2>&1; then
+        found=0
+        echo "windows shown:"
+        for w in $(xdotool search --onlyvisible --name '.'); do
+            echo "  $(xdotool getwindowname "$w")"
+        done
+        break
+    fi
+    sleep 0.5
+    i=$((i + 1))
+done
+kill $pid 2>/dev/null || true
+wait $pid 2>/dev/null || true
+exit $found
+SCRIPT
+status=0
+env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY \
+    QT_QPA_PLATFORM=xcb HOME="$RUN/home" XDG_DATA_HOME="$RUN/data" RUN="$RUN" \
+    xvfb-run -a sh "$RUN/start.sh" "$ROOT/usr/bin/velmora" || status=$?
+cat "$RUN/output.txt"
+[ $status -eq 0 ] || fail "the extracted program did not show its main window"
+# The settings file is made from the DefaultSettings.ini of the extracted
+# program folder: the program found its own folder through the link.
+cmp -s "$FOLDER/DefaultSettings.ini" "$RUN/data/Kestor/Velmora/Settings.ini" ||
+    fail "the first run did not copy the extracted DefaultSettings.ini"
+echo "== The package is fine"
