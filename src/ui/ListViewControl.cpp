@@ -8,9 +8,14 @@
 #include <QUrl>
 
 #include "list/ItemList.h"
+#include "platform/EventTurn.h"
+#include "ui/ListHeaderView.h"
 #include "ui/Twips.h"
 
 namespace {
+// Layouts inside an event turn: at most 25 a second, like the paints.
+constexpr int kLayoutIntervalMs = 40;
+
 // Shows a cell's text up to its first character 0, as a native list view
 // does: an empty tag field read from a file is 30 such characters.
 class CellTextDelegate : public QStyledItemDelegate {
@@ -24,7 +29,11 @@ public:
 };
 }  // namespace
 
-ListViewControl::ListViewControl(QWidget* parent) : QTableView(parent) {
+ListViewControl::ListViewControl(QWidget* parent)
+    : QTableView(parent), layoutRate_(kLayoutIntervalMs) {
+    heldLayout_.setSingleShot(true);
+    connect(&heldLayout_, &QTimer::timeout, this, &ListViewControl::doItemsLayout);
+    setHorizontalHeader(new ListHeaderView(this));
     setItemDelegate(new CellTextDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
@@ -54,6 +63,31 @@ ListViewControl::ListViewControl(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this,
             &ListViewControl::keepUserWidth);
+}
+
+void ListViewControl::doItemsLayout() {
+    if (insideEventTurn() && !layoutRate_.due()) {
+        if (!heldLayout_.isActive()) {
+            heldLayout_.start(layoutRate_.remainingMs());
+        }
+        return;
+    }
+    if (!insideEventTurn()) {
+        layoutRate_.mark();
+    }
+    heldLayout_.stop();
+    QTableView::doItemsLayout();
+}
+
+// A row scrolled to may be one whose layout is held: the scroll bar must know
+// it first.
+void ListViewControl::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    if (heldLayout_.isActive()) {
+        heldLayout_.stop();
+        layoutRate_.mark();
+        QTableView::doItemsLayout();
+    }
+    QTableView::scrollTo(index, hint);
 }
 
 void ListViewControl::applyColumnWidths() {

@@ -2,6 +2,9 @@
 
 #include <QStringList>
 #include <QTableView>
+#include <QTimer>
+
+#include "platform/RateLimit.h"
 
 // The list view of the main window: a report-style table with full-row, single
 // selection. It reports the three user events the window reacts to: a double
@@ -16,6 +19,11 @@ public:
     // with its width 0. A column the user dragged keeps the width he gave it,
     // since the drag writes that width into the header of the list.
     void applyColumnWidths();
+
+    // Lays the view out (scroll bars, header), at a bounded rate while a loop
+    // gives events their turn: every added row asks for a layout.
+    void doItemsLayout() override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     // The local paths of a drop, in order (text/uri-list).
     static QStringList droppedPaths(const QMimeData* data);
@@ -36,4 +44,6 @@ private:
     void keepUserWidth(int column, int oldWidth, int newWidth);
 
     bool applyingWidths_ = false;
+    RateLimit layoutRate_;
+    QTimer heldLayout_;
 };

@@ -2,7 +2,9 @@
 
 #include <QElapsedTimer>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QThread>
+#include <QTimer>
 
 #include "MainWindowTestHelpers.h"
 #include "platform/EventTurn.h"
@@ -120,4 +122,54 @@ TEST(PaintThrottle, OutsideTheTurns_TheWindowPaintsAsAlways) {
         QApplication::processEvents();
     }
     EXPECT_EQ(view.paints, 5);
+}
+
+TEST(PaintThrottle, RowsAddedWithTurns_ScrollBarIsLaidOutAtABoundedRateAndWholeAtTheEnd) {
+    WindowFixture f;
+    f.fillMp3List(0);
+    ShowAtDesignSize(f);
+    QScrollBar* bar = f.window->listView()->verticalScrollBar();
+    int layouts = 0;
+    QObject::connect(bar, &QScrollBar::rangeChanged, [&layouts] { ++layouts; });
+    const int rows = AddRowsWithTurns(f, 600, {});
+    // Laid out after every row, the range would change with every row.
+    ASSERT_GT(rows, 60);
+    EXPECT_LE(layouts, 600 / 40 + 3);
+
+    // Once the loop is over, the held layout comes and the bar reaches the
+    // last row.
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 120) {
+        QApplication::processEvents();
+        QThread::msleep(5);
+    }
+    bar->setValue(bar->maximum());
+    QApplication::processEvents();
+    const int lastShown =
+        f.window->listView()->rowAt(f.window->listView()->viewport()->height() - 1);
+    EXPECT_EQ(lastShown < 0 ? rows - 1 : lastShown, rows - 1);
+}
+
+TEST(PaintThrottle, RowScrolledToWhileItsLayoutIsHeld_IsShown) {
+    WindowFixture f;
+    f.fillMp3List(0);
+    ShowAtDesignSize(f);
+    ListViewControl* view = f.window->listView();
+    ItemList& items = f.model().items;
+    const auto addRows = [&items](int count) {
+        for (int i = 0; i < count; ++i) {
+            items.addRow(QStringLiteral("%1.mp3").arg(items.count() + 1));
+        }
+    };
+    // A turn lays the view out; rows added at once after it wait for the next
+    // layout, and a turn that scrolls to the last of them, as a key press
+    // would, comes before it.
+    addRows(30);
+    giveEventsATurn();
+    addRows(30);
+    QTimer::singleShot(
+        0, view, [view, &items] { view->scrollTo(view->model()->index(items.count() - 1, 0)); });
+    giveEventsATurn();
+    EXPECT_EQ(view->rowAt(view->viewport()->height() - 1), items.count() - 1);
 }
