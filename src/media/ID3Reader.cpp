@@ -236,6 +236,7 @@ void ID3Reader::ClearFields() {
     year_ = QByteArray(kYearLength, ' ');
     comments_ = QByteArray(kCommentsLength, ' ');
     genre_ = kOtherGenre;
+    tagRead_ = false;
     fileBytes_ = 0;
     seconds_ = 0;
     mpegVersion_ = 0;
@@ -276,30 +277,40 @@ void ID3Reader::ReadFromFile() {
     if (!FileIsThere(fileName_)) {
         return;
     }
-    if (HasTag()) {
-        QFile file(fileName_);
-        if (file.open(QIODevice::ReadOnly)) {
-            const qint64 length = file.size();
-            if (length >= kTagSize && file.seek(length - kRecordSize)) {
-                const QByteArray record = file.read(kRecordSize);
-                if (record.size() == kRecordSize) {
-                    int at = 0;
-                    title_ = record.mid(at, kTitleLength);
-                    at += kTitleLength;
-                    artist_ = record.mid(at, kArtistLength);
-                    at += kArtistLength;
-                    album_ = record.mid(at, kAlbumLength);
-                    at += kAlbumLength;
-                    year_ = record.mid(at, kYearLength);
-                    at += kYearLength;
-                    comments_ = record.mid(at, kCommentsLength);
-                    at += kCommentsLength;
-                    genre_ = static_cast<std::uint8_t>(record.at(at));
-                }
-            }
+    // One opening for the tag at the end and the frame header at the start.
+    QFile file(fileName_);
+    QByteArray head;
+    qint64 length = 0;
+    if (file.open(QIODevice::ReadOnly)) {
+        length = file.size();
+        head = file.read(kHeadBytes);
+        if (length >= kTagSize && file.seek(length - kTagSize)) {
+            ReadTag(file.read(kTagSize));
         }
+    } else {
+        length = QFileInfo(fileName_).size();
     }
-    ReadMpegHeader();
+    ReadMpegHeader(head, length);
+}
+
+// The tag as HasTag sees it: "TAG" in any letter case, then the record.
+void ID3Reader::ReadTag(const QByteArray& tag) {
+    if (tag.size() != kTagSize || tag.left(3).toUpper() != QByteArrayLiteral("TAG")) {
+        return;
+    }
+    tagRead_ = true;
+    int at = kTagSize - kRecordSize;
+    title_ = tag.mid(at, kTitleLength);
+    at += kTitleLength;
+    artist_ = tag.mid(at, kArtistLength);
+    at += kArtistLength;
+    album_ = tag.mid(at, kAlbumLength);
+    at += kAlbumLength;
+    year_ = tag.mid(at, kYearLength);
+    at += kYearLength;
+    comments_ = tag.mid(at, kCommentsLength);
+    at += kCommentsLength;
+    genre_ = static_cast<std::uint8_t>(tag.at(at));
 }
 
 QString ID3Reader::BytesToBitText(std::uint8_t (&bytes)[5]) {
@@ -337,19 +348,11 @@ bool ID3Reader::BitTextToNumber(const QString& text, std::int32_t& number) {
     return true;
 }
 
-void ID3Reader::ReadMpegHeader() {
-    // 1. Open and measure; an unreadable file decodes zeros.
-    QByteArray head;
-    {
-        const QFileInfo info(fileName_);
-        const qint64 length = info.size();
-        if (length >= 0 && length <= std::numeric_limits<std::int32_t>::max()) {
-            fileBytes_ = static_cast<std::int32_t>(length);
-        }
-        QFile file(fileName_);
-        if (file.open(QIODevice::ReadOnly)) {
-            head = file.read(kHeadBytes);
-        }
+void ID3Reader::ReadMpegHeader(const QByteArray& head, qint64 length) {
+    // 1. The head as read and the length as measured; an unreadable file
+    // decodes zeros.
+    if (length >= 0 && length <= std::numeric_limits<std::int32_t>::max()) {
+        fileBytes_ = static_cast<std::int32_t>(length);
     }
     const FileHead bytes(head);
     std::int16_t syncPosition = 0;

@@ -71,6 +71,9 @@ public:
     // True when the first three of the file's last 128 bytes read "TAG" in
     // any letter case.
     bool HasTag() const;
+    // HasTag as it stood when the file was read (setFileName), without
+    // reading the file again.
+    bool TagWasRead() const { return tagRead_; }
     // Writes "TAG" and the six fields over the file's last 128 bytes, whether
     // or not a tag was there. The file keeps its length.
     bool WriteTag();
@@ -85,7 +88,8 @@ public:
 
 private:
     void ReadFromFile();
-    void ReadMpegHeader();
+    void ReadTag(const QByteArray& tag);
+    void ReadMpegHeader(const QByteArray& head, qint64 length);
     void ClearFields();
     static bool FileIsThere(const QString& path);
     static QString BytesToBitText(std::uint8_t (&bytes)[5]);
@@ -99,6 +103,7 @@ private:
     QByteArray year_;
     QByteArray comments_;
     std::uint8_t genre_ = 12;
+    bool tagRead_ = false;
     std::int32_t fileBytes_ = 0;
     std::int16_t seconds_ = 0;
     std::int16_t mpegVersion_ = 0;

@@ -120,7 +120,7 @@ ItemCellTexts ItemCells(const QString& path, const QString& listType) {
     if (mp3) {
         ID3Reader reader;
         reader.setFileName(path);
-        if (reader.HasTag()) {
+        if (reader.TagWasRead()) {
             cells[4] = reader.Artist();
             cells[5] = reader.Title();
             cells[6] = reader.Album();

@@ -202,3 +202,22 @@ TEST_F(BadInputMedia, ScriptRelevantNames_FillTheirRowsLikeAPlainName) {
         }
     }
 }
+
+TEST_F(BadInputMedia, TagWasRead_AgreesWithHasTagForEveryShapeOfFile) {
+    QByteArray lowerCase = tagOnly();
+    lowerCase.replace(0, 3, "tAg");
+    const QList<std::pair<QString, QByteArray>> files = {
+        {QStringLiteral("empty.mp3"), QByteArray()},
+        {QStringLiteral("127.mp3"), tagOnly().left(127)},
+        {QStringLiteral("128.mp3"), tagOnly()},
+        {QStringLiteral("lower.mp3"), QByteArray(500, '\xFF') + lowerCase},
+        {QStringLiteral("inside.mp3"), tagOnly() + QByteArray(500, '\xFF')},
+        {QStringLiteral("untagged.mp3"), QByteArray(2000, '\xFF')},
+    };
+    for (const auto& [name, bytes] : files) {
+        ID3Reader reader;
+        reader.setFileName(file(name, bytes));
+        EXPECT_EQ(reader.TagWasRead(), reader.HasTag()) << name.toStdString();
+        EXPECT_EQ(reader.Title() == QStringLiteral("Title"), reader.HasTag()) << name.toStdString();
+    }
+}
