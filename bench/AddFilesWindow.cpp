@@ -26,19 +26,11 @@
 #include "list/FillListItem.h"
 #include "list/ListFunctions.h"
 #include "list/ReadAhead.h"
+#include "media/MediaInfoC.h"
 #include "media/Utf8Locale.h"
 #include "platform/Clipboard.h"
 #include "platform/Questions.h"
 #include "ui/MainWindow.h"
-
-extern "C" {
-void* MediaInfo_New();
-void MediaInfo_Delete(void* handle);
-std::size_t MediaInfo_Open(void* handle, const wchar_t* file);
-void MediaInfo_Close(void* handle);
-const wchar_t* MediaInfo_Inform(void* handle, std::size_t reserved);
-const wchar_t* MediaInfo_Option(void* handle, const wchar_t* option, const wchar_t* value);
-}
 
 namespace {
 
