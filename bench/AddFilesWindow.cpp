@@ -20,6 +20,7 @@
 #include <thread>
 #include <vector>
 
+#include "BenchDoubles.h"
 #include "Mp3Corpus.h"
 #include "app/AppPaths.h"
 #include "list/AddFilesModule.h"
@@ -28,30 +29,9 @@
 #include "list/ReadAhead.h"
 #include "media/MediaInfoC.h"
 #include "media/Utf8Locale.h"
-#include "platform/Clipboard.h"
-#include "platform/Questions.h"
 #include "ui/MainWindow.h"
 
 namespace {
-
-// The file dialog answers with every file of the corpus.
-class ChoosingQuestions : public Questions {
-public:
-    QString answer;
-    int msgBox(const QString&, int, const QString&) override { return Msg::Ok; }
-    void showOpen(CommonDialog& dialog) override {
-        dialog.fileName = answer;
-        dialog.fileTitle.clear();
-    }
-    void showSave(CommonDialog&) override {}
-};
-
-class NoClipboard : public Clipboard {
-public:
-    QString text() const override { return {}; }
-    void setText(const QString&) override {}
-    void clear() override {}
-};
 
 Mp3Corpus& Files(int count) {
     static std::map<int, std::unique_ptr<Mp3Corpus>> corpora;
@@ -69,7 +49,7 @@ QTemporaryDir& AppData() {
 
 // The main window with an MP3 list, shown at its design size.
 struct Window {
-    ChoosingQuestions questions;
+    AnsweringQuestions questions;
     NoClipboard clipboard;
     MainWindow window{questions, clipboard};
 
@@ -209,7 +189,7 @@ void BM_FillListItemAlone(benchmark::State& state) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
-    ChoosingQuestions questions;
+    AnsweringQuestions questions;
     NoClipboard clipboard;
     MainModel model(questions, clipboard);
     NewItemList(model, QStringLiteral("MP3"));

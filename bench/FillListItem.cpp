@@ -8,32 +8,17 @@
 #include <memory>
 #include <string>
 
+#include "BenchDoubles.h"
 #include "Mp3Corpus.h"
 #include "list/FillListItem.h"
 #include "list/MainModel.h"
 #include "media/ID3Reader.h"
 #include "media/MediaInfoC.h"
 #include "media/MediaInfoFile.h"
-#include "platform/Clipboard.h"
-#include "platform/Questions.h"
 
 namespace {
 
 constexpr int kFiles = 1000;
-
-class SilentQuestions : public Questions {
-public:
-    int msgBox(const QString&, int, const QString&) override { return Msg::Ok; }
-    void showOpen(CommonDialog&) override {}
-    void showSave(CommonDialog&) override {}
-};
-
-class NoClipboard : public Clipboard {
-public:
-    QString text() const override { return {}; }
-    void setText(const QString&) override {}
-    void clear() override {}
-};
 
 Mp3Corpus& Files() {
     static Mp3Corpus corpus(kFiles);
@@ -75,7 +60,7 @@ void BM_FillListItem(benchmark::State& state) {
         state.SkipWithError("could not make the MP3 files with ffmpeg");
         return;
     }
-    SilentQuestions questions;
+    AnsweringQuestions questions;
     NoClipboard clipboard;
     MainModel model(questions, clipboard);
     for (const char* header : {"Filename", "Filesize", "Date Modified", "Filepath", "Artist",

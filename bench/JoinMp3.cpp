@@ -24,6 +24,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "BenchDoubles.h"
 #include "app/AppPaths.h"
 #include "join/JoinProgress.h"
 #include "join/JoinRun.h"
@@ -32,7 +33,6 @@
 #include "join/StartJoin.h"
 #include "list/ListviewLayout.h"
 #include "list/MainModel.h"
-#include "platform/Clipboard.h"
 #include "platform/Questions.h"
 
 namespace {
@@ -61,13 +61,6 @@ public:
         dialog.fileName = output;
         dialog.fileTitle = QFileInfo(output).fileName();
     }
-};
-
-class NoClipboard : public Clipboard {
-public:
-    QString text() const override { return {}; }
-    void setText(const QString&) override {}
-    void clear() override {}
 };
 
 QString run(const QString& program, const QStringList& arguments) {

@@ -7,23 +7,16 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "BenchDoubles.h"
 #include "app/AppPaths.h"
 #include "join/BatchDialect.h"
 #include "join/JoinScripts.h"
 #include "join/ShDialect.h"
 #include "join/StartJoin.h"
 #include "list/MainModel.h"
-#include "platform/Clipboard.h"
 #include "platform/Questions.h"
 
 namespace {
-
-class NoClipboard : public Clipboard {
-public:
-    QString text() const override { return {}; }
-    void setText(const QString&) override {}
-    void clear() override {}
-};
 
 // Answers the save dialog with one path and every box with Yes.
 class FixedAnswers : public Questions {
