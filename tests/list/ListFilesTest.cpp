@@ -201,19 +201,29 @@ TEST(SaveList, UnwritablePath_SaysWhyAndKeepsNameAndTitle) {
     EXPECT_EQ(t.model.state.windowTitle(), "Velmora - (Untitled)");
 }
 
-// A folder that allows no new file (here: mode 555 for a plain user) while
-// the list file itself may be written: the list is written in place.
-TEST(SaveList, FolderRefusingNewFiles_WritesTheListInPlace) {
-    ListTestModel t;
-    QTemporaryDir place;
+namespace {
+// "named.vlr" holding old bytes, with the given permissions, in a folder
+// "closed" of place that may be read and entered but takes no new file.
+QString ListInAClosedFolder(QTemporaryDir& place, QFileDevice::Permissions permissions) {
     QFile::setPermissions(place.path(), QFileDevice::Permissions(0x7755));
     const QString folder = place.filePath("closed");
     const QString path = folder + "/named.vlr";
     QDir().mkpath(folder);
     writeBytes(path, "old list bytes");
-    QFile::setPermissions(path, QFileDevice::Permissions(0x6666));
+    QFile::setPermissions(path, permissions);
     const QFileDevice::Permissions readAndEnter(0x5555);
     QFile::setPermissions(folder, readAndEnter);
+    return path;
+}
+}  // namespace
+
+// A folder that allows no new file (here: mode 555 for a plain user) while
+// the list file itself may be written: the list is written in place.
+TEST(SaveList, FolderRefusingNewFiles_WritesTheListInPlace) {
+    ListTestModel t;
+    QTemporaryDir place;
+    const QString path = ListInAClosedFolder(place, QFileDevice::Permissions(0x6666));
+    const QString folder = QFileInfo(path).path();
     t.model.state.setListFileName(path);
     t.addRow(kRowA);
     {
@@ -232,14 +242,8 @@ TEST(SaveList, FolderRefusingNewFiles_WritesTheListInPlace) {
 TEST(SaveList, ReadOnlyFileInAClosedFolder_SaysWhyAndKeepsNameAndTitle) {
     ListTestModel t;
     QTemporaryDir place;
-    QFile::setPermissions(place.path(), QFileDevice::Permissions(0x7755));
-    const QString folder = place.filePath("closed");
-    const QString path = folder + "/named.vlr";
-    QDir().mkpath(folder);
-    writeBytes(path, "old list bytes");
-    QFile::setPermissions(path, QFileDevice::Permissions(0x4444));
-    const QFileDevice::Permissions readAndEnter(0x5555);
-    QFile::setPermissions(folder, readAndEnter);
+    const QString path = ListInAClosedFolder(place, QFileDevice::Permissions(0x4444));
+    const QString folder = QFileInfo(path).path();
     t.model.state.setWindowTitle("Velmora - (old)");
     t.model.state.setListFileName(t.appData.filePath("old.vlr"));
     t.questions.chooseFile(path);

@@ -111,6 +111,22 @@ protected:
         return row;
     }
 
+    // Remove Tag in the window on the file: the window closes, and of the
+    // file's last 128 bytes all but the genre byte are zero.
+    void removeTagInTheWindow(const QString& path) {
+        const QByteArray before = readAll(path);
+        ID3Tag window(model);
+        window.setFileName(path);
+        window.show();
+        child<QPushButton>(window, "cmdRemove")->click();
+        EXPECT_FALSE(window.isVisible());
+        const QByteArray after = readAll(path);
+        ASSERT_EQ(after.size(), before.size());
+        EXPECT_EQ(after.left(after.size() - 128), before.left(before.size() - 128));
+        EXPECT_EQ(after.mid(after.size() - 128, 127), QByteArray(127, '\0'));
+        EXPECT_EQ(after.back(), before.back());
+    }
+
     template <typename T>
     static T* child(ID3Tag& window, const char* name) {
         return window.findChild<T*>(QString::fromLatin1(name));
@@ -226,17 +242,7 @@ TEST_F(ID3TagTest, Save_OnAFileWithoutTag_TakesTheLast128BytesAndYearGetsBlanks)
 
 TEST_F(ID3TagTest, RemoveTag_ZeroesTheTagButTheGenreByte) {
     const QString path = makeTagged("tagged.mp3");
-    const QByteArray before = readAll(path);
-    ID3Tag window(model);
-    window.setFileName(path);
-    window.show();
-    child<QPushButton>(window, "cmdRemove")->click();
-    EXPECT_FALSE(window.isVisible());
-    const QByteArray after = readAll(path);
-    ASSERT_EQ(after.size(), before.size());
-    EXPECT_EQ(after.left(after.size() - 128), before.left(before.size() - 128));
-    EXPECT_EQ(after.mid(after.size() - 128, 127), QByteArray(127, '\0'));
-    EXPECT_EQ(after.back(), before.back());
+    removeTagInTheWindow(path);
     ID3Reader reader;
     reader.setFileName(path);
     EXPECT_FALSE(reader.HasTag());
@@ -246,17 +252,8 @@ TEST_F(ID3TagTest, RemoveTag_OnAFileWithoutTag_ZeroesTheLast127BytesButOne) {
     const QString path = makeUntagged("plain.mp3");
     const QByteArray before = readAll(path);
     ASSERT_NE(before.mid(before.size() - 128, 127), QByteArray(127, '\0'));
-    ID3Tag window(model);
-    window.setFileName(path);
-    window.show();
-    child<QPushButton>(window, "cmdRemove")->click();
-    EXPECT_FALSE(window.isVisible());
     // No test for a tag stands before the write: the end of the audio goes.
-    const QByteArray after = readAll(path);
-    ASSERT_EQ(after.size(), before.size());
-    EXPECT_EQ(after.left(after.size() - 128), before.left(before.size() - 128));
-    EXPECT_EQ(after.mid(after.size() - 128, 127), QByteArray(127, '\0'));
-    EXPECT_EQ(after.back(), before.back());
+    removeTagInTheWindow(path);
 }
 
 TEST_F(ID3TagTest, NonMpegFileInAnMp3List_InfoIsEmptyAndTheFieldsWorkAllTheSame) {
