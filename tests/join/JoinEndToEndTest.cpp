@@ -234,6 +234,23 @@ protected:
             sum, probed, informed, outputFrames, frames, outputFrames - frames);
     }
 
+    // Sources of the given MPEG version and lengths in seconds (one.mpg,
+    // two.mpg, three.mpg), listed as codec, joined, and checked by every reader.
+    void joinMpegOfSeconds(int version, const QList<int>& seconds, const QString& codec) {
+        static const QStringList kNames = {QStringLiteral("one.mpg"), QStringLiteral("two.mpg"),
+                                           QStringLiteral("three.mpg")};
+        QStringList sources;
+        for (qsizetype i = 0; i < seconds.size(); ++i) {
+            sources << makeMpeg(kNames.at(i), version, seconds.at(i));
+        }
+        fillList(QStringLiteral("MPEG"), sources);
+        ASSERT_EQ(bed.model.items.cell(1, 4), codec);
+        const QString output = bed.media + QStringLiteral("/joined.mpg");
+        join(output);
+        expectMpegJoin(sources, output);
+        expectCleanEnd(output);
+    }
+
     // An MPEG join whose length every reader gives as the sum of the sources'
     // lengths (as the list shows them, from MediaInfo), within 1%: MediaInfo
     // for the whole file and for its video stream, and ffprobe; with every
@@ -386,49 +403,19 @@ TEST_F(JoinEndToEndTest, Mp3Vbr_FinishedWithWholeLengthInHeader) {
 }
 
 TEST_F(JoinEndToEndTest, Mpeg1V_FourAndThreeSeconds_EveryReaderGivesTheSum) {
-    const QStringList sources = {makeMpeg(QStringLiteral("one.mpg"), 1, 4),
-                                 makeMpeg(QStringLiteral("two.mpg"), 1, 3)};
-    fillList(QStringLiteral("MPEG"), sources);
-    ASSERT_EQ(bed.model.items.cell(1, 4), QStringLiteral("MPEG-1V"));
-    const QString output = bed.media + QStringLiteral("/joined.mpg");
-    join(output);
-    expectMpegJoin(sources, output);
-    expectCleanEnd(output);
+    joinMpegOfSeconds(1, {4, 3}, QStringLiteral("MPEG-1V"));
 }
 
 TEST_F(JoinEndToEndTest, Mpeg1V_ThreeFiles_EveryReaderGivesTheSum) {
-    const QStringList sources = {makeMpeg(QStringLiteral("one.mpg"), 1, 4),
-                                 makeMpeg(QStringLiteral("two.mpg"), 1, 3),
-                                 makeMpeg(QStringLiteral("three.mpg"), 1, 2)};
-    fillList(QStringLiteral("MPEG"), sources);
-    ASSERT_EQ(bed.model.items.cell(1, 4), QStringLiteral("MPEG-1V"));
-    const QString output = bed.media + QStringLiteral("/joined.mpg");
-    join(output);
-    expectMpegJoin(sources, output);
-    expectCleanEnd(output);
+    joinMpegOfSeconds(1, {4, 3, 2}, QStringLiteral("MPEG-1V"));
 }
 
 TEST_F(JoinEndToEndTest, Mpeg2V_FourAndThreeSeconds_EveryReaderGivesTheSum) {
-    const QStringList sources = {makeMpeg(QStringLiteral("one.mpg"), 2, 4),
-                                 makeMpeg(QStringLiteral("two.mpg"), 2, 3)};
-    fillList(QStringLiteral("MPEG"), sources);
-    ASSERT_EQ(bed.model.items.cell(1, 4), QStringLiteral("MPEG-2V"));
-    const QString output = bed.media + QStringLiteral("/joined.mpg");
-    join(output);
-    expectMpegJoin(sources, output);
-    expectCleanEnd(output);
+    joinMpegOfSeconds(2, {4, 3}, QStringLiteral("MPEG-2V"));
 }
 
 TEST_F(JoinEndToEndTest, Mpeg2V_ThreeFiles_EveryReaderGivesTheSum) {
-    const QStringList sources = {makeMpeg(QStringLiteral("one.mpg"), 2, 4),
-                                 makeMpeg(QStringLiteral("two.mpg"), 2, 3),
-                                 makeMpeg(QStringLiteral("three.mpg"), 2, 2)};
-    fillList(QStringLiteral("MPEG"), sources);
-    ASSERT_EQ(bed.model.items.cell(1, 4), QStringLiteral("MPEG-2V"));
-    const QString output = bed.media + QStringLiteral("/joined.mpg");
-    join(output);
-    expectMpegJoin(sources, output);
-    expectCleanEnd(output);
+    joinMpegOfSeconds(2, {4, 3, 2}, QStringLiteral("MPEG-2V"));
 }
 
 TEST_F(JoinEndToEndTest, Mpeg1V_Operation2_SizeFigureMovesWhileTheOutputGrows) {
