@@ -50,6 +50,23 @@ protected:
     QString app(const QString& name) const { return bed.appData + u'/' + name; }
     QString win(const QString& name) const { return bed.appData + u'\\' + name; }
 
+    // The first script of a join in the sh dialect: the items joined by cat
+    // into the temporary file, each line after the check that the script is
+    // still wanted.
+    QStringList shCatScript() const {
+        const QString stop = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
+        QStringList lines = {"#!/bin/sh", "echo Generated with Velmora",
+                             "echo Visit us at: www.velmora.example"};
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            lines << stop
+                  << "cat " + q(items[i]) + (i == 0 ? " > " : " >> ") + q(temp) + " < /dev/null";
+        }
+        lines << stop << "rmdir " + q(app("JoinTemp")) + " < /dev/null"
+              << "echo Joined Succesfully!"
+              << "exit";
+        return lines;
+    }
+
     QString write(const ScriptDialect& dialect) {
         QString path = output;
         WriteJoinScripts(bed.model, path, dialect);
@@ -188,21 +205,7 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
     bed.makeMp3List(items);
     EXPECT_EQ(write(sh), temp);
 
-    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
-    const QStringList expectedFirst = {"#!/bin/sh",
-                                       "echo Generated with Velmora",
-                                       "echo Visit us at: www.velmora.example",
-                                       stopFirst,
-                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
-                                       "echo Joined Succesfully!",
-                                       "exit"};
-    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), shCatScript());
 
     const QString stopFix = "[ -f " + q(app("MP3.bat")) + " ] || exit 1";
     const QStringList expectedFix = {
@@ -225,21 +228,7 @@ TEST_F(JoinScriptsTest, Sh_Mpeg1V_WritesCatLinesAndItsOwnRemakeScriptLineForLine
     temp = output + ".vlr.mpg";
     write(sh);
 
-    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
-    const QStringList expectedFirst = {"#!/bin/sh",
-                                       "echo Generated with Velmora",
-                                       "echo Visit us at: www.velmora.example",
-                                       stopFirst,
-                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "cat " + q(items[2]) + " >> " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
-                                       "echo Joined Succesfully!",
-                                       "exit"};
-    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), shCatScript());
 
     const QString stopFix = "[ -f " + q(app("MPEG.bat")) + " ] || exit 1";
     const QStringList expectedFix = {"#!/bin/sh",
@@ -264,19 +253,7 @@ TEST_F(JoinScriptsTest, Sh_Mpeg2V_WritesCatLinesAndRemuxScriptLineForLine) {
     temp = output + ".vlr.mpg";
     write(sh);
 
-    const QString stopFirst = "[ -f " + q(app("TempFile.bat")) + " ] || exit 1";
-    const QStringList expectedFirst = {"#!/bin/sh",
-                                       "echo Generated with Velmora",
-                                       "echo Visit us at: www.velmora.example",
-                                       stopFirst,
-                                       "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
-                                       stopFirst,
-                                       "rmdir " + q(app("JoinTemp")) + " < /dev/null",
-                                       "echo Joined Succesfully!",
-                                       "exit"};
-    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), expectedFirst);
+    EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), shCatScript());
 
     const QString stopFix = "[ -f " + q(app("MPEG2.bat")) + " ] || exit 1";
     const QStringList expectedFix = {"#!/bin/sh",
