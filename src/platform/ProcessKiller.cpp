@@ -38,18 +38,28 @@ QString ExecutablePathOf(qint64 processId) {
     return target;
 }
 
+QList<qint64> RunningProcessIds() {
+    QList<qint64> ids;
+    const QStringList entries =
+        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& entry : entries) {
+        bool isNumber = false;
+        const qint64 pid = entry.toLongLong(&isNumber);
+        if (isNumber && pid > 0) {
+            ids.append(pid);
+        }
+    }
+    return ids;
+}
+
 void KillProcessByName(const QString& name) {
     if (name.isEmpty()) {
         return;
     }
     const QString wanted = name.toLower();
     const qint64 self = ::getpid();
-    const QStringList entries =
-        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& entry : entries) {
-        bool isNumber = false;
-        const qint64 pid = entry.toLongLong(&isNumber);
-        if (!isNumber || pid <= 0 || pid == self) {
+    for (const qint64 pid : RunningProcessIds()) {
+        if (pid == self) {
             continue;
         }
         const QString image = imageNameOf(pid).toLower();

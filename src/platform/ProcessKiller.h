@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <functional>
 
@@ -22,6 +23,9 @@ void KillScriptShell(qint64 processId, const QString& scriptPath);
 // Returns the previous filter; an empty one restores "every match".
 using ProcessKillFilter = std::function<bool(qint64 processId)>;
 ProcessKillFilter setProcessKillFilter(ProcessKillFilter filter);
+
+// The ids of the processes running now, as /proc lists them.
+QList<qint64> RunningProcessIds();
 
 // The full path of a process's executable ("" when it cannot be read).
 QString ExecutablePathOf(qint64 processId);

@@ -12,6 +12,7 @@
 #include "list/ListTotals.h"
 #include "list/ListviewLayout.h"
 #include "media/MediaInfoFile.h"
+#include "platform/ProcessKiller.h"
 #include "support/MediaMaker.h"
 
 namespace {
@@ -76,21 +77,23 @@ long long videoPictures(const QString& path) {
         .toLongLong();
 }
 
+// Every process that runs now and has not ended (an ended one waits to be
+// reaped as a zombie).
+QList<qint64> liveProcesses() {
+    QList<qint64> live;
+    for (const qint64 pid : RunningProcessIds()) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+        if (!(stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z "))) {
+            live << pid;
+        }
+    }
+    return live;
+}
+
 // Every process whose executable lies in the given folder.
 QList<qint64> processesIn(const QString& folder) {
     QList<qint64> found;
-    const QStringList entries =
-        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& entry : entries) {
-        bool ok = false;
-        const qint64 pid = entry.toLongLong(&ok);
-        if (!ok) {
-            continue;
-        }
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-        if (stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z ")) {
-            continue;  // ended, not yet reaped
-        }
+    for (const qint64 pid : liveProcesses()) {
         if (ExecutablePathOf(pid).startsWith(folder + u'/')) {
             found << pid;
         }
@@ -101,18 +104,7 @@ QList<qint64> processesIn(const QString& folder) {
 // Every live process with the given text among its arguments.
 QList<qint64> processesNaming(const QString& text) {
     QList<qint64> found;
-    const QStringList entries =
-        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& entry : entries) {
-        bool ok = false;
-        const qint64 pid = entry.toLongLong(&ok);
-        if (!ok) {
-            continue;
-        }
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-        if (stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z ")) {
-            continue;
-        }
+    for (const qint64 pid : liveProcesses()) {
         QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(pid));
         if (cmdline.open(QIODevice::ReadOnly) &&
             cmdline.readAll().split('\0').contains(text.toUtf8())) {

@@ -11,6 +11,7 @@
 
 #include "join/JoinRunTestBed.h"
 #include "join/StartJoin.h"
+#include "platform/ProcessKiller.h"
 #include "support/MediaMaker.h"
 
 // Remembers the bytes of the user's files and checks them later.
@@ -50,12 +51,8 @@ inline QStringList AppDataLeftovers(const JoinRunTestBed& bed) {
 inline QStringList JoinProcessesOf(const JoinRunTestBed& bed) {
     QStringList found;
     const QByteArray folder = QFile::encodeName(bed.appData);
-    for (const QString& pid : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        bool number = false;
-        pid.toLongLong(&number);
-        if (!number) {
-            continue;
-        }
+    for (const qint64 id : RunningProcessIds()) {
+        const QString pid = QString::number(id);
         QFile cmdline(QStringLiteral("/proc/") + pid + QStringLiteral("/cmdline"));
         if (!cmdline.open(QIODevice::ReadOnly)) {
             continue;

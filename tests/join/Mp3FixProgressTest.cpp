@@ -13,18 +13,15 @@
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
 #include "list/ListviewLayout.h"
+#include "platform/ProcessKiller.h"
 #include "support/MediaMaker.h"
 
 namespace {
 
 // The process whose executable lies in the folder, or 0.
 qint64 processIn(const QString& folder) {
-    const QStringList entries =
-        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& entry : entries) {
-        bool ok = false;
-        const qint64 pid = entry.toLongLong(&ok);
-        if (ok && ExecutablePathOf(pid).startsWith(folder + u'/')) {
+    for (const qint64 pid : RunningProcessIds()) {
+        if (ExecutablePathOf(pid).startsWith(folder + u'/')) {
             return pid;
         }
     }

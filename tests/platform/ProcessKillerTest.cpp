@@ -145,3 +145,15 @@ TEST(ProcessDetachedLaunch, KillScriptShell_EndsTheShellAndWhatItRuns) {
     EXPECT_TRUE(waitGone(shell));
     EXPECT_TRUE(waitGone(child));
 }
+
+TEST(RunningProcessIds, HoldsThisProcessAndAChildItStarted) {
+    QProcess child;
+    child.start(QStringLiteral("sleep"), {QStringLiteral("5")});
+    ASSERT_TRUE(child.waitForStarted());
+    const QList<qint64> ids = RunningProcessIds();
+    EXPECT_TRUE(ids.contains(QCoreApplication::applicationPid()));
+    EXPECT_TRUE(ids.contains(child.processId()));
+    EXPECT_FALSE(ids.contains(0));
+    child.kill();
+    child.waitForFinished();
+}
