@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "list/Columns.h"
 #include "list/FillListItem.h"
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
@@ -67,8 +68,8 @@ void PasteItem(MainModel& model) {
     // type of this list.
     const QStringList fields = text.split(u'|');
     const int row = model.items.addRow();
-    if (fields.size() > 3) {
-        model.items.setCell(row, 3, fields.at(3));
+    if (fields.size() > SharedCell::Filepath) {
+        model.items.setCell(row, SharedCell::Filepath, fields.at(SharedCell::Filepath));
     }
     FillListItem(model, 0);
     model.state.setSelectedIndex(model.items.count());

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "app/IniFile.h"
+#include "list/Columns.h"
 #include "list/DialogFolder.h"
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
@@ -260,7 +261,7 @@ void RemoveDuplicatedFiles(MainModel& model) {
     QSet<QString> seen;
     seen.reserve(rows);
     for (int i = rows; i >= 1; --i) {
-        const QString path = items.cell(i, 3);
+        const QString path = items.cell(i, SharedCell::Filepath);
         if (seen.contains(path)) {
             keep[i - 1] = false;
         } else {
@@ -286,7 +287,7 @@ void RemoveDeadFiles(MainModel& model) {
     const int rows = items.count();
     QList<bool> keep(rows, true);
     for (int i = 1; i <= rows; ++i) {
-        keep[i - 1] = IsLiveFile(items.cell(i, 3));
+        keep[i - 1] = IsLiveFile(items.cell(i, SharedCell::Filepath));
     }
     // All dead rows go at once and the totals follow once: the same end as
     // removing them one by one from the bottom with totals after each.
@@ -300,7 +301,7 @@ void OnlyKeepBitrateItems(MainModel& model, const QString& bitrate) {
     const int rows = items.count();
     QList<bool> keep(rows, true);
     for (int i = 1; i <= rows; ++i) {
-        keep[i - 1] = items.cell(i, 10) == bitrate;
+        keep[i - 1] = items.cell(i, Mp3Cell::Bitrate) == bitrate;
     }
     items.removeRowsExcept(keep);
     UpdateListTotals(model);
@@ -315,8 +316,8 @@ void MoveItemUp(MainModel& model, int index) {
     }
     // The moved row is built anew above its neighbour with its name and
     // path; the old one goes, and both rows are filled from their files.
-    items.insertRow(index - 1, items.cell(index, 0));
-    items.setCell(index - 1, 3, items.cell(index + 1, 3));
+    items.insertRow(index - 1, items.cell(index, SharedCell::Filename));
+    items.setCell(index - 1, SharedCell::Filepath, items.cell(index + 1, SharedCell::Filepath));
     items.removeRow(index + 1);
     FillListItem(model, index);
     FillListItem(model, index - 1);
@@ -330,8 +331,8 @@ void MoveItemDown(MainModel& model, int index) {
         model.state.requestListFocus();
         return;
     }
-    items.insertRow(index + 2, items.cell(index, 0));
-    items.setCell(index + 2, 3, items.cell(index, 3));
+    items.insertRow(index + 2, items.cell(index, SharedCell::Filename));
+    items.setCell(index + 2, SharedCell::Filepath, items.cell(index, SharedCell::Filepath));
     items.removeRow(index);
     FillListItem(model, index);
     FillListItem(model, index + 1);

@@ -1,5 +1,6 @@
 #include "list/ListGrade.h"
 
+#include "list/Columns.h"
 #include "list/MainModel.h"
 
 namespace {
@@ -39,15 +40,15 @@ void UpdateListStatus(MainModel& model) {
     if (rows >= 1) {
         SetListStatus(model, QStringLiteral("Green"));
         if (model.state.listType() == QLatin1String("MP3")) {
-            if (!columnMadeOfFirstCell(items, 11)) {
+            if (!columnMadeOfFirstCell(items, Mp3Cell::Hertz)) {
                 SetListStatus(model, QStringLiteral("Orange"));
             }
         } else {
             // Every type but MP3 is graded on its video columns.
-            if (!columnMadeOfFirstCell(items, 4)) {
+            if (!columnMadeOfFirstCell(items, MpegCell::VideoCodec)) {
                 SetListStatus(model, QStringLiteral("Red"));
             }
-            if (!columnMadeOfFirstCell(items, 5)) {
+            if (!columnMadeOfFirstCell(items, MpegCell::VideoSize)) {
                 SetListStatus(model, QStringLiteral("Red"));
             }
         }

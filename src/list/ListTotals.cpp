@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "list/Columns.h"
 #include "list/ListGrade.h"
 #include "list/MainModel.h"
 
@@ -137,9 +138,9 @@ void UpdateListTotals(MainModel& model) {
     // other type add no seconds.
     int durationCell = -1;
     if (state.listType() == QLatin1String("MP3")) {
-        durationCell = 9;
+        durationCell = Mp3Cell::Duration;
     } else if (state.listType() == QLatin1String("MPEG")) {
-        durationCell = 6;
+        durationCell = MpegCell::Duration;
     }
 
     // The seconds total is a 32-bit count: a row that would carry it past
@@ -159,8 +160,9 @@ void UpdateListTotals(MainModel& model) {
                 seconds = static_cast<qint32>(sum);
             }
         }
-        if (parseCellNumber(withoutUnit(items.cellView(i, 1), kKilobyteUnit, scratch), locale,
-                            group, value)) {
+        if (parseCellNumber(
+                withoutUnit(items.cellView(i, SharedCell::Filesize), kKilobyteUnit, scratch),
+                locale, group, value)) {
             kilobytes += std::floor(value);
         }
     }
