@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "list/Columns.h"
 #include "list/DialogFolder.h"
 #include "list/FillListItem.h"
@@ -128,7 +128,7 @@ void AddFiles(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
     ListState& state = model.state;
     dialog.dialogTitle = QStringLiteral("Add File(s)");
-    dialog.initDir = ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"));
+    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::AddFiles);
     dialog.fileName.clear();
     // A list of neither type keeps the filter the dialog had.
     const QString filter = AddFilesFilter(state.listType());
@@ -141,7 +141,7 @@ void AddFiles(MainModel& model) {
     if (dialog.fileName.isEmpty()) {
         return;
     }
-    RememberDialogFolder(dialog, QStringLiteral("AddFiles"));
+    RememberDialogFolder(dialog, Settings::DialogFolder::AddFiles);
     state.setCancelAddFiles(0);
 
     // Several files: the folder, then the names, split by the character 0.

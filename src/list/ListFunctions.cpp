@@ -6,7 +6,7 @@
 #include <QStringDecoder>
 #include <algorithm>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "list/Columns.h"
 #include "list/DialogFolder.h"
 #include "list/FillListItem.h"
@@ -17,7 +17,6 @@
 
 namespace {
 
-const QString kSettingsSection = QStringLiteral("Commondialog");
 const QString kListFilter = QStringLiteral("VLR Files|*.vlr");
 
 void setListLayout(MainModel& model, const QString& listType, bool setImage) {
@@ -130,7 +129,7 @@ void SaveList(MainModel& model, short saveAs) {
     CommonDialog& dialog = model.commonDialog;
     if (model.state.listFileName().isEmpty() || saveAs == -1) {
         dialog.dialogTitle = QStringLiteral("Save List");
-        dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("SaveList"));
+        dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::SaveList);
         dialog.fileName.clear();
         dialog.filter = kListFilter;
         dialog.flags = DialogFlags::HideReadOnly;
@@ -138,7 +137,7 @@ void SaveList(MainModel& model, short saveAs) {
         if (dialog.fileName.isEmpty()) {
             return;
         }
-        RememberDialogFolder(dialog, QStringLiteral("SaveList"));
+        RememberDialogFolder(dialog, Settings::DialogFolder::SaveList);
     } else {
         dialog.fileName = model.state.listFileName();
     }
@@ -208,7 +207,7 @@ bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& p
 void OpenList(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
     dialog.dialogTitle = QStringLiteral("Open List");
-    dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("OpenList"));
+    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::OpenList);
     dialog.fileName.clear();
     dialog.filter = kListFilter;
     dialog.flags = DialogFlags::HideReadOnly;
@@ -218,7 +217,7 @@ void OpenList(MainModel& model) {
     }
     // The folder is remembered before the file is looked at, so also for a
     // file that turns out to be invalid.
-    RememberDialogFolder(dialog, QStringLiteral("OpenList"));
+    RememberDialogFolder(dialog, Settings::DialogFolder::OpenList);
     const QString path = dialog.fileName;
 
     QFile file(path);
