@@ -17,7 +17,7 @@ QString ItemEntryText(const ItemList& items, int index) {
     if (index < 1 || index > items.count()) {
         return QString();
     }
-    QString text = kItemPrefix + items.cell(index, 0);
+    QString text = kItemPrefix + items.cell(index, SharedCell::Filename);
     for (int i = 1; i < items.headerCount(); ++i) {
         text += u'|';
         text += items.cell(index, i);

@@ -115,7 +115,7 @@ QByteArray ListFileText(const MainModel& model) {
     text += model.state.listType();
     text += QLatin1String(">\r\n");
     for (int i = 1; i <= items.count(); ++i) {
-        text += items.cell(i, 0);
+        text += items.cell(i, SharedCell::Filename);
         for (int j = 1; j <= subItems; ++j) {
             text += u'|';
             text += items.cell(i, j);
