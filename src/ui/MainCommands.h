@@ -4,32 +4,31 @@
 #include <QStringList>
 #include <functional>
 
+#include "list/ListTypeChange.h"
+#include "platform/RunCommand.h"
+
 class MainWindow;
 
 // The routines that the menus, the toolbar, the image buttons and the list
 // view forward to. The main window fills them from the list, join and window
 // modules (WireMainCommands); an entry left empty makes its command do nothing.
 // Tests may put their own functions in place to see what a command forwards.
-struct MainCommands {
+// The routines that the change of list type runs as well (saveList, clearList
+// and the column layouts) are declared with that change.
+struct MainCommands : ListTypeChangeSteps {
     // Item list.
     std::function<void(const QString& listType)> newItemList;
     std::function<void()> openList;
-    std::function<void(short saveAs)> saveList;
     std::function<void()> addFiles;
     std::function<void(int index, short cut)> copyItem;
     std::function<void()> pasteItem;
     std::function<void()> copyList;
     std::function<void(int index)> removeItem;
-    std::function<void(short ask)> clearList;
     std::function<void()> removeDuplicatedFiles;
     std::function<void()> removeDeadFiles;
     std::function<void(const QString& bitrate)> onlyKeepBitrateItems;
     std::function<void(int index)> moveItemUp;
     std::function<void(int index)> moveItemDown;
-    std::function<void()> clearColumns;
-    std::function<void()> addSharedColumns;
-    std::function<void()> addMP3Columns;
-    std::function<void()> addMPEGColumns;
     // Adds dropped paths at the end of the list, in the order given.
     std::function<void(const QStringList& paths)> dropFiles;
     // The click on CancelLabel: the running adding stops after its current row.
@@ -55,14 +54,6 @@ struct MainCommands {
     std::function<void(const QString& path)> shellOpen;
     std::function<void(const QString& path)> showFileProperties;
 };
-
-// Calls f with the arguments when it is set.
-template <typename F, typename... Args>
-void RunCommand(const F& f, Args&&... args) {
-    if (f) {
-        f(std::forward<Args>(args)...);
-    }
-}
 
 // Fills the commands with the routines of the other modules.
 void WireMainCommands(MainWindow& window, MainCommands& commands);
