@@ -1,22 +1,23 @@
 #!/bin/sh
 # Takes the pictures of the program for the documentation and saves them in
-# docs/screenshots/. Runs the built program under a virtual X server with a
-# fresh settings folder per picture; the program sets each scene up itself
-# (see src/ui/ScreenshotScenes.h) and ends after saving its picture.
+# docs/screenshots/. Runs the program with its screenshot scenes
+# (velmora_screenshots, built beside velmora) under a virtual X server with a
+# fresh settings folder per picture; it sets each scene up itself (see
+# src/screenshots/ScreenshotScenes.h) and ends after saving its picture.
 #
 #   scripts/screenshots.sh [build-folder]      (default: build)
 #
-# To add a picture: add a scene to src/ui/ScreenshotScenes.cpp and one
+# To add a picture: add a scene to src/screenshots/ScreenshotScenes.cpp and one
 # "shoot" line below.
 set -eu
 
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD=${1:-$ROOT/build}
-BIN=$BUILD/bin/velmora
+BIN=$BUILD/bin/velmora_screenshots
 OUT=$ROOT/docs/screenshots
 MEDIA_DIR=$ROOT/tests/data/samples
 
-[ -x "$BIN" ] || { echo "no program at $BIN; build the target velmora first" >&2; exit 1; }
+[ -x "$BIN" ] || { echo "no program at $BIN; build the target velmora_screenshots first" >&2; exit 1; }
 command -v xvfb-run >/dev/null || { echo "xvfb-run is needed" >&2; exit 1; }
 mkdir -p "$OUT"
 

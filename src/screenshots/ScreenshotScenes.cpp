@@ -1,4 +1,4 @@
-#include "ui/ScreenshotScenes.h"
+#include "screenshots/ScreenshotScenes.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -10,8 +10,9 @@
 #       every section and key of data/DefaultSettings.ini named there;
 #   check_structure.sh platform SOURCE_DIR
 #       nothing under src/platform includes a header of src/app;
-#   check_structure.sh program SOURCE_DIR PROGRAM
-#       the program built from the tree holds no screenshot scene code.
+#   check_structure.sh program SOURCE_DIR PROGRAM [SCENES_PROGRAM]
+#       the program built from the tree holds no screenshot scene code (and
+#       the program built with the scenes shows them to the same look).
 #
 # Each offending line is printed; the exit status is 1 when there is one.
 set -eu
@@ -75,10 +76,19 @@ platform)
     ;;
 program)
     program=$3
+    scenes=${4:-}
     command -v nm >/dev/null 2>&1 || { echo "nm is missing" >&2; exit 1; }
-    [ -f "$program" ] || { echo "no program at $program" >&2; exit 1; }
-    nm -C "$program" | grep -iE 'screenshot|scene' \
+    for file in "$program" $scenes; do
+        [ -f "$file" ] || { echo "no program at $file" >&2; exit 1; }
+    done
+    nm -C "$program" | grep -iE 'screenshot' \
         | report "Screenshot code in $program:"
+    # The program with the scenes must show them to the same look, or the
+    # look above proves nothing.
+    if [ -n "$scenes" ] && ! nm -C "$scenes" | grep -q 'PrepareScreenshotScene'; then
+        echo "no screenshot scenes found in $scenes: the check cannot see them" >&2
+        failed=1
+    fi
     ;;
 *)
     echo "unknown check: $check" >&2

@@ -2,7 +2,7 @@
 # Under a real window manager (openbox on a virtual X server), the New List
 # dialog of the start-up opens centred over the main window.
 #
-#   StartupDialogCentred.sh <path of the velmora program>
+#   StartupDialogCentred.sh <path of velmora_screenshots, the program with its scenes>
 set -eu
 BIN=$1
 for tool in xvfb-run openbox; do
