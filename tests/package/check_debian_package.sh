@@ -81,6 +81,14 @@ echo "== appstreamcli validate"
 METAINFO=$(ls "$ROOT"/usr/share/metainfo/*.metainfo.xml)
 appstreamcli validate --no-net "$METAINFO" || fail "the AppStream metadata is invalid"
 grep -q '<caption>' "$METAINFO" || fail "the AppStream metadata has no screenshot captions"
+grep -q '<project_license>GPL-2.0-or-later</project_license>' "$METAINFO" ||
+    fail "the AppStream metadata does not name the licence GPL-2.0-or-later"
+
+echo "== Licence"
+COPYRIGHT=$ROOT/usr/share/doc/velmora/copyright
+grep -q '^License: GPL-2+$' "$COPYRIGHT" || fail "debian/copyright does not name the licence GPL-2+"
+cmp -s "$SOURCE/LICENSE" /usr/share/common-licenses/GPL-2 ||
+    fail "LICENSE is not the text of the GNU General Public License, version 2"
 
 echo "== Starting the extracted program"
 RUN=$WORK/run
