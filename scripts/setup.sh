@@ -7,6 +7,7 @@
 #
 # "run" also installs what the desktop needs to open files and folders.
 # The build folder is ./build, or $VELMORA_BUILD_DIR when set.
+# VELMORA_WARNINGS_AS_ERRORS=ON|OFF switches compiler warnings as errors.
 set -eu
 
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
@@ -70,5 +71,10 @@ fi
 JOBS=$(nproc 2>/dev/null || echo 2)
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
     cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+fi
+# VELMORA_WARNINGS_AS_ERRORS=ON (as scripts/test.sh sets it) makes every
+# compiler warning an error; set, it is applied to an existing build folder too.
+if [ -n "${VELMORA_WARNINGS_AS_ERRORS:-}" ]; then
+    cmake "$BUILD_DIR" -DVELMORA_WARNINGS_AS_ERRORS="$VELMORA_WARNINGS_AS_ERRORS" >/dev/null
 fi
 cmake --build "$BUILD_DIR" -j"$JOBS"

@@ -1,12 +1,13 @@
 #!/bin/sh
-# Installs what is missing, builds Velmora with its tests and benchmarks, and
-# runs the whole test suite headless. Ends with CTest's summary.
+# Installs what is missing, builds Velmora with its tests and benchmarks (warnings
+# as errors), and runs the whole test suite headless. Ends with CTest's summary.
 set -eu
 
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
 
-"$ROOT/scripts/setup.sh" test
+# Warnings are errors here: the build must stay free of them.
+VELMORA_WARNINGS_AS_ERRORS=${VELMORA_WARNINGS_AS_ERRORS:-ON} "$ROOT/scripts/setup.sh" test
 
 # Windows are drawn offscreen; a virtual X display stands by for anything that
 # needs a real one.
