@@ -16,6 +16,7 @@
 #include "list/SortList.h"
 #include "platform/Clipboard.h"
 #include "platform/Questions.h"
+#include "support/MemoryClipboard.h"
 
 namespace {
 
@@ -34,16 +35,6 @@ private:
     }
 };
 
-class TextClipboard : public Clipboard {
-public:
-    QString text() const override { return text_; }
-    void setText(const QString& text) override { text_ = text; }
-    void clear() override { text_.clear(); }
-
-private:
-    QString text_;
-};
-
 struct Bench {
     Bench() {
         SetAppDataFolder(folder.path());
@@ -51,7 +42,7 @@ struct Bench {
     }
     QTemporaryDir folder;
     FixedAnswers questions;
-    TextClipboard clipboard;
+    MemoryClipboard clipboard;
     MainModel model{questions, clipboard};
 };
 

@@ -7,6 +7,7 @@
 
 #include "platform/Clipboard.h"
 #include "platform/Questions.h"
+#include "support/MemoryClipboard.h"
 
 // What every fuzz target shares: a Qt core application, a private data folder
 // for the settings and a work folder for the files the inputs are written to.
@@ -33,17 +34,6 @@ public:
 
 private:
     QString chosenPath_;
-};
-
-// A clipboard in memory.
-class FuzzClipboard : public Clipboard {
-public:
-    QString text() const override { return text_; }
-    void setText(const QString& text) override { text_ = text; }
-    void clear() override { text_.clear(); }
-
-private:
-    QString text_;
 };
 
 // Hands a figure to the outside so that the reads that made it are not

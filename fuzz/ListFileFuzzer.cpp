@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString path = WriteFuzzFile(QStringLiteral("input.vlr"), data, size);
 
     FuzzQuestions questions(path);
-    FuzzClipboard clipboard;
+    MemoryClipboard clipboard;
     MainModel model(questions, clipboard);
     NewItemList(model, QStringLiteral("MP3"));
     model.items.addRow(QStringLiteral("kept"));

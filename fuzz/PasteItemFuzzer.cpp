@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString text =
         QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     FuzzQuestions questions;
-    FuzzClipboard clipboard;
+    MemoryClipboard clipboard;
     MainModel model(questions, clipboard);
     NewItemList(model, (size % 2) != 0 ? QStringLiteral("MP3") : QStringLiteral("MPEG"));
     model.items.addRow(QStringLiteral("first"));

@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString text = QString::fromUtf8(piece.data(), static_cast<qsizetype>(piece.size()));
 
     FuzzQuestions questions;
-    FuzzClipboard clipboard;
+    MemoryClipboard clipboard;
     MainModel model(questions, clipboard);
     NewItemList(model, QStringLiteral("MPEG"));
     const int row = model.items.addRow(QStringLiteral("a.mpg"));
