@@ -14,6 +14,7 @@
 #include "app/Settings.h"
 #include "join/JoinLock.h"
 #include "join/JoinScripts.h"
+#include "list/DialogFolder.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
 #include "platform/Questions.h"
@@ -146,9 +147,7 @@ namespace {
 bool preflightAfterLock(MainModel& model) {
     Questions& questions = model.questions;
     CommonDialog& dialog = model.commonDialog;
-    dialog.dialogTitle = QStringLiteral("Create Output File");
-    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::JoinFiles);
-    dialog.fileName.clear();
+    PrepareDialog(dialog, QStringLiteral("Create Output File"), Settings::DialogFolder::JoinFiles);
     if (model.state.listType() == QStringLiteral("MP3")) {
         dialog.filter = QStringLiteral("MP3 File|*.mp3");
     } else if (model.state.listType() == QStringLiteral("MPEG")) {

@@ -127,9 +127,7 @@ QString FolderFilePath(const QString& folder, const QString& name) {
 void AddFiles(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
     ListState& state = model.state;
-    dialog.dialogTitle = QStringLiteral("Add File(s)");
-    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::AddFiles);
-    dialog.fileName.clear();
+    PrepareDialog(dialog, QStringLiteral("Add File(s)"), Settings::DialogFolder::AddFiles);
     // A list of neither type keeps the filter the dialog had.
     const QString filter = AddFilesFilter(state.listType());
     if (!filter.isEmpty()) {

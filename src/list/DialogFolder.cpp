@@ -2,6 +2,12 @@
 
 #include "platform/Questions.h"
 
+void PrepareDialog(CommonDialog& dialog, const QString& title, Settings::DialogFolder which) {
+    dialog.dialogTitle = title;
+    dialog.initDir = Settings::DialogFolderOf(which);
+    dialog.fileName.clear();
+}
+
 void RememberDialogFolder(const CommonDialog& dialog, Settings::DialogFolder which) {
     QString folder = dialog.fileName;
     if (!dialog.fileTitle.isEmpty()) {

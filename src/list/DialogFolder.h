@@ -6,6 +6,10 @@
 
 struct CommonDialog;
 
+// Before a file dialog shows: its title, the folder it opened in last (from
+// the settings) and no file name yet.
+void PrepareDialog(CommonDialog& dialog, const QString& title, Settings::DialogFolder which);
+
 // After a file dialog was answered: the folder is the dialog's file name with
 // every occurrence of its file title removed (so one chosen file leaves a
 // folder with a trailing separator). When that differs from the folder the

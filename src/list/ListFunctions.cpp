@@ -128,9 +128,7 @@ QByteArray ListFileText(const MainModel& model) {
 void SaveList(MainModel& model, short saveAs) {
     CommonDialog& dialog = model.commonDialog;
     if (model.state.listFileName().isEmpty() || saveAs == -1) {
-        dialog.dialogTitle = QStringLiteral("Save List");
-        dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::SaveList);
-        dialog.fileName.clear();
+        PrepareDialog(dialog, QStringLiteral("Save List"), Settings::DialogFolder::SaveList);
         dialog.filter = kListFilter;
         dialog.flags = DialogFlags::HideReadOnly;
         model.questions.showSave(dialog);
@@ -206,9 +204,7 @@ bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& p
 
 void OpenList(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
-    dialog.dialogTitle = QStringLiteral("Open List");
-    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::OpenList);
-    dialog.fileName.clear();
+    PrepareDialog(dialog, QStringLiteral("Open List"), Settings::DialogFolder::OpenList);
     dialog.filter = kListFilter;
     dialog.flags = DialogFlags::HideReadOnly;
     model.questions.showOpen(dialog);
