@@ -67,6 +67,7 @@ shoot splash      splash.png       0 0
 shoot newlist     newlist.png      1 0
 shoot main        main-window.png  1 1 "$MEDIA"
 shoot contextmenu context-menu.png 1 1 "$MEDIA"
+shoot marks       row-marks.png    1 1 "$MEDIA"
 # The main window at a scale factor of 2, and under a dark desktop palette.
 SCALE=2 SCREEN=2048x1536
 shoot main main-window-scale2.png 1 1 "$MEDIA"

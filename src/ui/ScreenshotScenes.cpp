@@ -10,6 +10,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
+#include <QToolTip>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -138,6 +139,35 @@ QHash<QString, Scene> Scenes() {
             const int row = window.selectedIndex() - 1;
             const QRect cell = view->visualRect(window.model().items.index(row, 0));
             window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
+        });
+    });
+    // A list with rows that will not join cleanly, the tool tip of the last
+    // marked row shown.
+    scenes.insert(QStringLiteral("marks"), [](AppLauncher& launcher, const QString& file) {
+        After(600, [&launcher, file] {
+            MainWindow& window = *launcher.mainWindow();
+            DropMedia(window);
+            After(400, [&window, file] {
+                const QList<int> marked = window.model().items.markedRows();
+                if (marked.isEmpty()) {
+                    std::_Exit(4);
+                }
+                const int row = marked.last() - 1;
+                ListViewControl* view = window.listView();
+                const QModelIndex name = window.model().items.index(row, 0);
+                const QRect cell = view->visualRect(name);
+                QToolTip::showText(view->viewport()->mapToGlobal(cell.center()),
+                                   name.data(Qt::ToolTipRole).toString(), view->viewport(), cell);
+                After(600, [&window, file] {
+                    QRect area = window.frameGeometry();
+                    for (QWidget* top : QApplication::topLevelWidgets()) {
+                        if (top->isVisible() && top->inherits("QTipLabel")) {
+                            area = area.united(top->frameGeometry());
+                        }
+                    }
+                    SaveAndEnd(area, file);
+                });
+            });
         });
     });
     return scenes;
