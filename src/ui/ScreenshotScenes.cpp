@@ -141,23 +141,33 @@ QHash<QString, Scene> Scenes() {
             window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
         });
     });
-    // A list with rows that will not join cleanly, the tool tip of the last
-    // marked row shown.
+    // A list with rows that will not join cleanly, the tool tip of the first
+    // red mark shown (of the last mark when none is red).
     scenes.insert(QStringLiteral("marks"), [](AppLauncher& launcher, const QString& file) {
         After(600, [&launcher, file] {
             MainWindow& window = *launcher.mainWindow();
             DropMedia(window);
             After(400, [&window, file] {
-                const QList<int> marked = window.model().items.markedRows();
+                const ItemList& items = window.model().items;
+                const QList<int> marked = items.markedRows();
                 if (marked.isEmpty()) {
                     std::_Exit(4);
                 }
-                const int row = marked.last() - 1;
+                int row = marked.last();
+                for (int position : marked) {
+                    if (items.rowCheck(position).mark == RowCheck::Mark::Red) {
+                        row = position;
+                        break;
+                    }
+                }
                 ListViewControl* view = window.listView();
-                const QModelIndex name = window.model().items.index(row, 0);
+                const QModelIndex name = items.index(row - 1, 0);
+                // The tip stands below the last row, so that no mark is hidden.
                 const QRect cell = view->visualRect(name);
-                QToolTip::showText(view->viewport()->mapToGlobal(cell.center()),
-                                   name.data(Qt::ToolTipRole).toString(), view->viewport(), cell);
+                const QRect last = view->visualRect(items.index(items.count() - 1, 0));
+                QToolTip::showText(
+                    view->viewport()->mapToGlobal(QPoint(cell.center().x(), last.bottom())),
+                    name.data(Qt::ToolTipRole).toString(), view->viewport());
                 After(600, [&window, file] {
                     QRect area = window.frameGeometry();
                     for (QWidget* top : QApplication::topLevelWidgets()) {
