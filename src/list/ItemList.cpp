@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "list/Columns.h"
+
 ItemList::ItemList(QObject* parent) : QAbstractTableModel(parent) {}
 
 void ItemList::clearColumns() {
@@ -148,6 +150,14 @@ QString ItemList::cell(int position, int cell) const {
     return cell < row.size() ? row.at(cell) : QString();
 }
 
+QStringView ItemList::cellView(int position, int cell) const {
+    if (position < 1 || position > count() || cell < 0) {
+        return {};
+    }
+    const QStringList& row = rows_.at(position - 1);
+    return cell < row.size() ? QStringView(row.at(cell)) : QStringView();
+}
+
 bool ItemList::setCell(int position, int cell, const QString& text) {
     if (position < 1 || position > count() || cell < 0) {
         return false;
@@ -238,9 +248,10 @@ QVariant ItemList::data(const QModelIndex& index, int role) const {
         return {};
     }
     const RowCheck& check = joins_.at(index.row()).check;
-    const bool marked = index.column() == 0 && check.mark != RowCheck::Mark::None;
+    const bool inMarkColumn = index.column() == SharedCell::Filename;
+    const bool marked = inMarkColumn && check.mark != RowCheck::Mark::None;
     if (role == RowMarkRole) {
-        return index.column() == 0 ? static_cast<int>(check.mark) : 0;
+        return inMarkColumn ? static_cast<int>(check.mark) : 0;
     }
     if (role == Qt::ToolTipRole && marked) {
         return check.reason;
@@ -340,7 +351,8 @@ bool ItemList::setCheck(int position, const RowCheck& check) {
 
 void ItemList::marksChanged(int first, int last) {
     if (first >= 1) {
-        emit dataChanged(index(first - 1, 0), index(last - 1, 0), {RowMarkRole, Qt::ToolTipRole});
+        emit dataChanged(index(first - 1, SharedCell::Filename),
+                         index(last - 1, SharedCell::Filename), {RowMarkRole, Qt::ToolTipRole});
     }
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "list/Columns.h"
 #include "list/ItemList.h"
 #include "media/Utf8Locale.h"
 
@@ -48,7 +49,7 @@ void ListCheck::start(const QString& listType) {
     run->filesRead = filesRead_;
     for (int position = 1; position <= items_.count(); ++position) {
         run->ids.append(items_.rowId(position));
-        run->paths.append(items_.cell(position, 3));
+        run->paths.append(items_.cell(position, SharedCell::Filepath));
     }
     run_ = run;
     // The media library turns file names into bytes through the C locale; it

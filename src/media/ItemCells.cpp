@@ -6,14 +6,12 @@
 #include <cstdint>
 #include <limits>
 
+#include "list/Columns.h"
 #include "media/ID3Reader.h"
 #include "media/MediaInfoFile.h"
 #include "platform/FileHelpers.h"
 
 namespace {
-
-constexpr int kMp3CellCount = 12;
-constexpr int kMpegCellCount = 7;
 
 // The library's value as a number: decimal, blanks around it allowed.
 std::optional<double> NumberFromText(const QString& text) {
@@ -175,16 +173,16 @@ ItemReading ReadItem(const QString& path, const QString& listType) {
     const bool mp3 = listType == QLatin1String("MP3");
     ItemReading reading;
     ItemCellTexts& cells = reading.cells;
-    cells.resize(mp3 ? kMp3CellCount : kMpegCellCount);
+    cells.resize(mp3 ? int{Mp3Cell::Count} : int{MpegCell::Count});
 
-    cells[0] = GetFileNameFromPath(path);
+    cells[SharedCell::Filename] = GetFileNameFromPath(path);
     const QFileInfo info(path);
     const bool isThere = !path.isEmpty() && info.exists();
-    cells[1] = FileSizeText(isThere && info.isFile() ? info.size() : 0);
+    cells[SharedCell::Filesize] = FileSizeText(isThere && info.isFile() ? info.size() : 0);
     if (isThere) {
         const QDateTime modified = info.lastModified();
         if (modified.isValid()) {
-            cells[2] = FileDateText(modified);
+            cells[SharedCell::DateModified] = FileDateText(modified);
         }
     }
 
@@ -192,11 +190,11 @@ ItemReading ReadItem(const QString& path, const QString& listType) {
         ID3Reader reader;
         reader.setFileName(path);
         if (reader.TagWasRead()) {
-            cells[4] = reader.Artist();
-            cells[5] = reader.Title();
-            cells[6] = reader.Album();
-            cells[7] = reader.Year();
-            cells[8] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
+            cells[Mp3Cell::Artist] = reader.Artist();
+            cells[Mp3Cell::Title] = reader.Title();
+            cells[Mp3Cell::Album] = reader.Album();
+            cells[Mp3Cell::Year] = reader.Year();
+            cells[Mp3Cell::Genre] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
         }
     }
     // One answer of the library holds every value of both the cells and the
@@ -208,13 +206,15 @@ ItemReading ReadItem(const QString& path, const QString& listType) {
     const QList<QStringList> audio = records.value(kAudio);
     const QList<QStringList> video = records.value(kVideo);
     if (mp3) {
-        cells[9] = DurationCellFromPlayTime(JoinedField(general, PlayTime));
-        cells[10] = BitrateCell(JoinedField(audio, BitRate));
-        cells[11] = HertzCell(JoinedField(audio, SamplingRate), JoinedField(audio, Channels));
+        cells[Mp3Cell::Duration] = DurationCellFromPlayTime(JoinedField(general, PlayTime));
+        cells[Mp3Cell::Bitrate] = BitrateCell(JoinedField(audio, BitRate));
+        cells[Mp3Cell::Hertz] =
+            HertzCell(JoinedField(audio, SamplingRate), JoinedField(audio, Channels));
     } else {
-        cells[4] = JoinedField(video, Codec);
-        cells[5] = VideoSizeCell(JoinedField(video, Width), JoinedField(video, Height));
-        cells[6] = VideoDurationCell(JoinedField(general, PlayTime));
+        cells[MpegCell::VideoCodec] = JoinedField(video, Codec);
+        cells[MpegCell::VideoSize] =
+            VideoSizeCell(JoinedField(video, Width), JoinedField(video, Height));
+        cells[MpegCell::Duration] = VideoDurationCell(JoinedField(general, PlayTime));
     }
     reading.traits = traitsOf(records, mp3, accessOf(info, isThere));
     return reading;

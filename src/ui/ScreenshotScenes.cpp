@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <functional>
 
+#include "list/Columns.h"
 #include "ui/AppLauncher.h"
 #include "ui/ListViewControl.h"
 #include "ui/MainWindow.h"
@@ -137,7 +138,8 @@ QHash<QString, Scene> Scenes() {
             });
             ListViewControl* view = window.listView();
             const int row = window.selectedIndex() - 1;
-            const QRect cell = view->visualRect(window.model().items.index(row, 0));
+            const QRect cell =
+                view->visualRect(window.model().items.index(row, SharedCell::Filename));
             window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
         });
     });
@@ -161,10 +163,11 @@ QHash<QString, Scene> Scenes() {
                     }
                 }
                 ListViewControl* view = window.listView();
-                const QModelIndex name = items.index(row - 1, 0);
+                const QModelIndex name = items.index(row - 1, SharedCell::Filename);
                 // The tip stands below the last row, so that no mark is hidden.
                 const QRect cell = view->visualRect(name);
-                const QRect last = view->visualRect(items.index(items.count() - 1, 0));
+                const QRect last =
+                    view->visualRect(items.index(items.count() - 1, SharedCell::Filename));
                 QToolTip::showText(
                     view->viewport()->mapToGlobal(QPoint(cell.center().x(), last.bottom())),
                     name.data(Qt::ToolTipRole).toString(), view->viewport());
