@@ -11,5 +11,5 @@ class AppLauncher;
 // (separated by
 // ':') that are dropped on the list first. Without these variables nothing
 // changes. Known scenes: splash, newlist, main, maindark (a dark
-// palette), contextmenu.
+// palette), contextmenu, marks (rows marked, a mark's tool tip shown).
 void PrepareScreenshotScene(AppLauncher& launcher);
