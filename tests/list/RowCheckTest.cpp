@@ -18,17 +18,11 @@
 #include "list/ListTotals.h"
 #include "list/SortList.h"
 #include "support/MediaMaker.h"
+#include "support/RequireFfmpeg.h"
 
 namespace {
 
 using Mark = RowCheck::Mark;
-
-#define REQUIRE_FFMPEG()                            \
-    do {                                            \
-        if (!HaveFfmpeg()) {                        \
-            GTEST_SKIP() << "ffmpeg not installed"; \
-        }                                           \
-    } while (false)
 
 // The media of these tests, each made once for the whole run.
 class Media {

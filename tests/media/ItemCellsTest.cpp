@@ -14,6 +14,7 @@
 #include "media/MediaInfoFile.h"
 #include "support/MediaMaker.h"
 #include "support/MemoryClipboard.h"
+#include "support/RequireFfmpeg.h"
 #include "support/ScriptedQuestions.h"
 #include "support/TestEnvironment.h"
 
@@ -59,13 +60,6 @@ protected:
     MainModel model{questions, clipboard};
     QTemporaryDir dir;
 };
-
-#define REQUIRE_FFMPEG()                            \
-    do {                                            \
-        if (!HaveFfmpeg()) {                        \
-            GTEST_SKIP() << "ffmpeg not installed"; \
-        }                                           \
-    } while (false)
 
 }  // namespace
 
