@@ -283,12 +283,21 @@ TEST_F(JoinFaultTest, SourceDeletedBeforeTheFirstCopy_FailsAndTheFixNeverRuns) {
     const QString three = mp3(QStringLiteral("three.mp3"), 660);
     bed.makeMp3List({one, two, three});
     const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
+    const QString log = bed.dir.path() + QStringLiteral("/debug.log");
+    StartLogging(log, 2);
     startJoin(output);
     ASSERT_TRUE(QFile::remove(one));
     sources.forget(one);
     runToTheEnd();
+    StopLogging();
     expectFailed(output, joining(), one, QStringLiteral("No such file or directory"));
     EXPECT_EQ(bed.state.operationTag(), QStringLiteral("1"));
+    // The debug log records the failure, and no fix after it.
+    const QString text = QString::fromUtf8(JoinRunTestBed::readFile(log));
+    EXPECT_TRUE(text.contains(QStringLiteral("\nFailed: Operation 1 of 2 (joining the files) | ") +
+                              one + QStringLiteral(" | No such file or directory\n")))
+        << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral("Fixing MP3 File...")));
     close();
     expectCleanEnd(output);
     EXPECT_FALSE(QFile::exists(one));
