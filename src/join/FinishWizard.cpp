@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "app/AppPaths.h"
 #include "app/DebugLog.h"
 #include "join/JoinProgress.h"
 #include "join/JoinScripts.h"
@@ -50,11 +51,11 @@ void FinishWizard(const MainModel& model, JoinWizardState& state, JoinEnd end) {
 }
 
 void LaunchOutputFile(const MainModel& model) {
-    ShellOpen(OutputFilePath(model));
+    ShellOpen(OutputFilePath(model), InstallFolder());
 }
 
 void OpenOutputFolder(const MainModel& model) {
-    ShowItemInFolder(OutputFilePath(model));
+    ShowItemInFolder(OutputFilePath(model), InstallFolder());
 }
 
 void SetID3TagOfOutput(const MainModel& model, JoinWizardState& state) {

@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 
 #include "join/JoinScripts.h"
+#include "list/Columns.h"
 #include "list/MainModel.h"
 #include "platform/ExitStatus.h"
 
@@ -60,7 +61,7 @@ JoinFailure wrongSize(const MainModel& model, const QList<qint64>& startSizes, q
         if (now.at(i) == startSizes.at(i)) {
             continue;
         }
-        const QString item = model.items.cell(static_cast<int>(i) + 1, 3);
+        const QString item = model.items.cell(static_cast<int>(i) + 1, SharedCell::Filepath);
         const QString reason =
             now.at(i) < 0 ? openError(item)
                           : QStringLiteral("its size changed during the join, from ") +
@@ -120,7 +121,7 @@ QList<qint64> ItemSizesOnDisk(const MainModel& model) {
     QList<qint64> sizes;
     sizes.reserve(model.items.count());
     for (int position = 1; position <= model.items.count(); ++position) {
-        const QFileInfo info(model.items.cell(position, 3));
+        const QFileInfo info(model.items.cell(position, SharedCell::Filepath));
         sizes << (info.isFile() ? info.size() : -1);
     }
     return sizes;
@@ -130,7 +131,7 @@ std::optional<JoinFailure> CheckJoinedFile(const MainModel& model,
                                            const QList<qint64>& startSizes) {
     const QString temp = TempFilePath(model);
     if (const std::optional<FailureRecord> record = ReadFailureRecord()) {
-        const QString item = model.items.cell(record->step, 3);
+        const QString item = model.items.cell(record->step, SharedCell::Filepath);
         // A copy fails on its item when that cannot be read, and otherwise on
         // TempFile, which it writes.
         const QString file = readablePlainFile(item) ? temp : item;

@@ -7,19 +7,21 @@
 #include "app/DebugLog.h"
 #include "app/Version.h"
 #include "join/ShDialect.h"
+#include "list/Columns.h"
 #include "list/MainModel.h"
 
 namespace {
 
-const QString kVideoCodecHeader = QStringLiteral("Video Codec");
-
-// The fifth column header and the codec of the first row, as the list holds them.
+// The Video Codec column header and the codec of the first row, as the list
+// holds them.
 bool hasVideoCodec(const MainModel& model, const QString& codec) {
     const ItemList& items = model.items;
-    if (items.headerCount() < 5 || items.header(4).text != kVideoCodecHeader) {
+    if (items.headerCount() <= MpegCell::VideoCodec ||
+        items.header(MpegCell::VideoCodec).text !=
+            QLatin1String(HeaderText(kMpegColumns, MpegCell::VideoCodec))) {
         return false;
     }
-    return items.count() >= 1 && items.cell(1, 4) == codec;
+    return items.count() >= 1 && items.cell(1, MpegCell::VideoCodec) == codec;
 }
 
 bool isMp3List(const MainModel& model) {
@@ -82,7 +84,7 @@ bool FirstScriptCopiesBytes(const MainModel& model) {
 qint64 ItemBytesOnDisk(const MainModel& model) {
     qint64 total = 0;
     for (int position = 1; position <= model.items.count(); ++position) {
-        const QFileInfo info(model.items.cell(position, 3));
+        const QFileInfo info(model.items.cell(position, SharedCell::Filepath));
         if (info.isFile()) {
             total += info.size();
         }
@@ -176,7 +178,7 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         QStringList items;
         items.reserve(count);
         for (int position = 1; position <= count; ++position) {
-            items << model.items.cell(position, 3);
+            items << model.items.cell(position, SharedCell::Filepath);
         }
         lines << d.stopIfGoneLines(firstScript);
         lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), items, tempFile);
@@ -185,7 +187,7 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         ScriptDialect::StepCheck copyCheck = check;
         copyCheck.errorLog = d.childPath(appData, kStepErrorLog);
         for (int position = 1; position <= count; ++position) {
-            const QString item = model.items.cell(position, 3);
+            const QString item = model.items.cell(position, SharedCell::Filepath);
             copyCheck.step = position;
             lines << d.stopIfGoneLines(firstScript);
             if (position == 1) {

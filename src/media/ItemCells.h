@@ -6,11 +6,10 @@
 #include <optional>
 
 // The texts of one list row for a file, cell by cell: entry i is the text of
-// cell i. An MP3 list has 12 cells (Filename, Filesize, Date Modified,
-// Filepath, Artist, Title, Album, Year, Genre, Duration, Bitrate, Hertz), any
-// other list type the 7 of an MPEG list (Filename, Filesize, Date Modified,
-// Filepath, Video Codec, Video Size, Duration). An entry without a value means
-// "leave the cell as it is": cell 3 (the path itself) always, the tag cells of
+// cell i, as list/Columns.h names them. An MP3 list has the cells of the MP3
+// layout, any other list type those of the MPEG layout. An entry without a
+// value means "leave the cell as it is": the Filepath cell (the path itself)
+// always, the tag cells of
 // an MP3 file without an ID3v1 tag, the date of a missing file, and a value
 // that the media library gave in a form that isn't a number.
 using ItemCellTexts = QList<std::optional<QString>>;

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "media/Mp3Fixer.h"
+#include "mpegaudio/Mp3Fixer.h"
 
 int main(int argc, char** argv) {
     static const char* const kAlwaysDone[] = {"--removedId3v1", "--removeId3v2", "--removeUnknown",

@@ -1,4 +1,4 @@
-#include "media/Mp3Fixer.h"
+#include "mpegaudio/Mp3Fixer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,8 +10,8 @@
 #include <cstring>
 #include <vector>
 
-#include "media/Mp3FrameWalker.h"
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3FrameWalker.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 
 namespace Mp3Fixer {
 namespace {
