@@ -10,7 +10,10 @@ void ChangeListType(MainModel& model, const ListTypeChangeSteps& steps) {
                            "of list.\n\nWould you like to save your list first?"),
             Msg::YesNoCancel + Msg::Exclamation);
         if (answer == Msg::Yes) {
-            RunCommand(steps.saveList, short(0));
+            // The list goes only when its save really wrote it.
+            if (!steps.saveList || !steps.saveList(0)) {
+                return;
+            }
             RunCommand(steps.clearList, short(0));
         } else if (answer == Msg::No) {
             RunCommand(steps.clearList, short(0));

@@ -13,10 +13,9 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     const int answer = model_.questions.msgBox(QStringLiteral("Would you like to save your list?"),
                                                Msg::YesNoCancel + Msg::Question);
     if (answer == Msg::Yes) {
-        RunCommand(commands_.saveList, short(0));
-        // The shared dialog's file name tells whether a save went through: a
-        // cancelled save dialog keeps the window open.
-        if (model_.commonDialog.fileName.isEmpty()) {
+        // The program ends only when the save really wrote the list: a
+        // cancelled save dialog or a failed save keeps the window and the list.
+        if (!commands_.saveList || !commands_.saveList(0)) {
             event->ignore();
             return;
         }
