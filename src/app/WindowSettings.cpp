@@ -23,6 +23,9 @@ bool isMpeg(const QString& stored) {
     return stored == QStringLiteral("MPEG");
 }
 
+const QString kJoinSection = QStringLiteral("Join");
+const QString kTagsAndChaptersKey = QStringLiteral("WriteTagsAndChapters");
+
 }  // namespace
 
 void SaveNewListSettings(const NewListControls& controls) {
@@ -39,6 +42,7 @@ void SavePreferences(const PreferencesControls& controls) {
                  QString::number(controls.DoNotShowNewListDialogAtStartup));
     WriteSetting(QStringLiteral("NewList"), QStringLiteral("ListType"),
                  listTypeText(controls.DefaultListTypeMP3));
+    WriteSetting(kJoinSection, kTagsAndChaptersKey, QString::number(controls.WriteTagsAndChapters));
 }
 
 void SaveTipsSettings(const TipsControls& controls) {
@@ -64,9 +68,16 @@ void GetPreferences(PreferencesControls& controls) {
         controls.DefaultListTypeMPEG = true;
         controls.DefaultListTypeMP3 = false;
     }
+    setCheckBox(controls.WriteTagsAndChapters, ReadSetting(kJoinSection, kTagsAndChaptersKey));
 }
 
 void GetTipsSettings(TipsControls& controls) {
     setCheckBox(controls.ShowAtStartup,
                 ReadSetting(QStringLiteral("Tips"), QStringLiteral("ShowAtStartup")));
+}
+
+bool WriteTagsAndChaptersIntoJoins() {
+    PreferencesControls controls;
+    setCheckBox(controls.WriteTagsAndChapters, ReadSetting(kJoinSection, kTagsAndChaptersKey));
+    return controls.WriteTagsAndChapters != 0;
 }

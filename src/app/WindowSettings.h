@@ -18,6 +18,7 @@ struct PreferencesControls {
     int DoNotShowNewListDialogAtStartup = 0;
     bool DefaultListTypeMP3 = true;  // the design state: MP3 selected
     bool DefaultListTypeMPEG = false;
+    int WriteTagsAndChapters = 1;  // on by default
 };
 
 // The Tips window.
@@ -36,3 +37,7 @@ void SaveTipsSettings(const TipsControls& controls);
 void GetNewListSettings(NewListControls& controls);
 void GetPreferences(PreferencesControls& controls);
 void GetTipsSettings(TipsControls& controls);
+
+// Whether an MP3 join writes a tag and chapters into the joined file: the
+// Preferences box, on unless the stored value is 0.
+bool WriteTagsAndChaptersIntoJoins();

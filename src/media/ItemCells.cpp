@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "media/ID3Reader.h"
+#include "media/Id3v2TagCells.h"
 #include "media/MediaInfoFile.h"
 #include "platform/FileHelpers.h"
 
@@ -126,6 +127,12 @@ ItemCellTexts ItemCells(const QString& path, const QString& listType) {
             cells[6] = reader.Album();
             cells[7] = reader.Year();
             cells[8] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
+        } else if (const std::optional<Id3v2TagCells> tag = ReadId3v2TagCells(path)) {
+            cells[4] = tag->artist;
+            cells[5] = tag->title;
+            cells[6] = tag->album;
+            cells[7] = tag->year;
+            cells[8] = tag->genre;
         }
         MediaInfoFile media(path);
         cells[9] = DurationCellFromPlayTime(media.inform(QStringLiteral("General;%PlayTime%")));
