@@ -250,7 +250,6 @@ protected:
         EXPECT_EQ(audioFrames(output), frames);
         EXPECT_NEAR(ffprobeSeconds(output), seconds, frameSeconds);
         EXPECT_NEAR(mediaInfoSeconds(output), seconds, frameSeconds + 0.002);
-        EXPECT_EQ(decodeErrors(output).toStdString(), "");
 
         // Behind the one tag of the join (tags and chapters are on by default)
         // lies nothing of the sources' tags.
@@ -299,6 +298,11 @@ protected:
         // holds the sources' cover) as a file of its own.
         const QString audioOnly = output + QStringLiteral(".audio.mp3");
         JoinRunTestBed::writeFile(audioOnly, bytes);
+        // The joined file's tag carries a source's picture as it was, and the
+        // pictures of these sources are random bytes behind a JPEG head, which
+        // a decoder of the whole file tries to read as an image: the audio
+        // behind the tag is decoded on its own.
+        EXPECT_EQ(decodeErrors(audioOnly).toStdString(), "");
         ID3Reader reader;
         reader.setFileName(audioOnly);
         std::printf("[ frame report ] %s\n", qPrintable(reader.InfoString().replace(
