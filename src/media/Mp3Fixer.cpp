@@ -345,12 +345,14 @@ std::unique_ptr<Tagging> prepareTagging(int in, const std::string& output,
     const std::string text((std::istreambuf_iterator<char>(file)),
                            std::istreambuf_iterator<char>());
     std::vector<JoinSource> sources;
+    const bool parsed = ParseJoinSources(text, sources);
     std::uint64_t total = 0;
-    const bool parsed = file.good() || file.eof() ? ParseJoinSources(text, sources) : false;
+    bool addsUp = true;
     for (const JoinSource& source : sources) {
+        addsUp = addsUp && total + source.length >= total;
         total += source.length;
     }
-    if (!parsed || sources.empty() || total != inputLength) {
+    if (!parsed || sources.empty() || !addsUp || total != inputLength) {
         warning = !parsed || sources.empty()
                       ? "no chapters: cannot read the sources in " + sourcesFile
                       : "no chapters: the sources' lengths add up to " + std::to_string(total) +

@@ -86,23 +86,21 @@ JoinedTag::JoinedTag(const std::string& outputPath, bool chapters)
 JoinedTag::~JoinedTag() = default;
 
 void JoinedTag::addSource(const JoinSourceTags& source) {
+    // Each tag is read once, and only where something is still wanted of it.
+    const std::unique_ptr<TagBytes> v2 = TagBytes::id3v2(source.id3v2);
+    const std::unique_ptr<TagBytes> v1 = TagBytes::id3v1(source.id3v1);
     if (!haveTemplate_) {
-        haveTemplate_ = takeTemplate(source);
+        haveTemplate_ = takeTemplate(v2->v2(), v1->v1());
     }
-    if (!haveFrontCover_) {
-        takePicture(source);
+    if (!haveFrontCover_ && v2->v2()) {
+        takePicture(*v2->v2());
     }
     if (!chapters_) {
         return;
     }
-    String title;
-    if (const std::unique_ptr<TagBytes> tag = TagBytes::id3v2(source.id3v2); tag->v2()) {
-        title = tag->v2()->title().stripWhiteSpace();
-    }
-    if (title.isEmpty()) {
-        if (const std::unique_ptr<TagBytes> tag = TagBytes::id3v1(source.id3v1); tag->v1()) {
-            title = tag->v1()->title().stripWhiteSpace();
-        }
+    String title = v2->v2() ? v2->v2()->title().stripWhiteSpace() : String();
+    if (title.isEmpty() && v1->v1()) {
+        title = v1->v1()->title().stripWhiteSpace();
     }
     if (title.isEmpty()) {
         title = utf8(withoutExtension(source.name));
@@ -110,31 +108,28 @@ void JoinedTag::addSource(const JoinSourceTags& source) {
     chapterTitles_.push_back(title);
 }
 
-bool JoinedTag::takeTemplate(const JoinSourceTags& source) {
-    const std::unique_ptr<TagBytes> v2 = TagBytes::id3v2(source.id3v2);
-    if (const ID3v2::Tag* tag = v2->v2()) {
+bool JoinedTag::takeTemplate(const TagLib::ID3v2::Tag* v2, const TagLib::ID3v1::Tag* v1) {
+    if (v2) {
         for (const char* id : kWorkFrames) {
-            for (ID3v2::Frame* frame : tag->frameList(id)) {
+            for (ID3v2::Frame* frame : v2->frameList(id)) {
                 if (auto* text = dynamic_cast<ID3v2::TextIdentificationFrame*>(frame);
                     text && hasText(text->fieldList())) {
                     texts_.push_back({ByteVector(id), text->fieldList()});
                 }
             }
         }
-        for (ID3v2::Frame* frame : tag->frameList("COMM")) {
+        for (ID3v2::Frame* frame : v2->frameList("COMM")) {
             auto* comment = dynamic_cast<ID3v2::CommentsFrame*>(frame);
             if (comment && !isPlayerComment(comment->description()) && !comment->text().isEmpty()) {
                 comments_.push_back({comment->language(), comment->description(), comment->text()});
             }
         }
-        album_ = tag->album().stripWhiteSpace();
-        if (!texts_.empty() || !comments_.empty() || !tag->title().isEmpty()) {
+        album_ = v2->album().stripWhiteSpace();
+        if (!texts_.empty() || !comments_.empty() || !v2->title().isEmpty()) {
             return true;
         }
     }
-    const std::unique_ptr<TagBytes> v1 = TagBytes::id3v1(source.id3v1);
-    const TagLib::ID3v1::Tag* tag = v1->v1();
-    if (!tag) {
+    if (!v1) {
         return false;
     }
     const auto add = [this](const char* id, const String& value) {
@@ -142,23 +137,19 @@ bool JoinedTag::takeTemplate(const JoinSourceTags& source) {
             texts_.push_back({ByteVector(id), StringList(value.stripWhiteSpace())});
         }
     };
-    add("TALB", tag->album());
-    add("TPE1", tag->artist());
-    add("TDRC", tag->year() > 0 ? String::number(static_cast<int>(tag->year())) : String());
-    add("TCON", tag->genre());
-    if (!tag->comment().stripWhiteSpace().isEmpty()) {
-        comments_.push_back({ByteVector("eng"), String(), tag->comment().stripWhiteSpace()});
+    add("TALB", v1->album());
+    add("TPE1", v1->artist());
+    add("TDRC", v1->year() > 0 ? String::number(static_cast<int>(v1->year())) : String());
+    add("TCON", v1->genre());
+    if (!v1->comment().stripWhiteSpace().isEmpty()) {
+        comments_.push_back({ByteVector("eng"), String(), v1->comment().stripWhiteSpace()});
     }
-    album_ = tag->album().stripWhiteSpace();
+    album_ = v1->album().stripWhiteSpace();
     return true;
 }
 
-void JoinedTag::takePicture(const JoinSourceTags& source) {
-    const std::unique_ptr<TagBytes> v2 = TagBytes::id3v2(source.id3v2);
-    if (!v2->v2()) {
-        return;
-    }
-    for (ID3v2::Frame* frame : v2->v2()->frameList("APIC")) {
+void JoinedTag::takePicture(const TagLib::ID3v2::Tag& v2) {
+    for (ID3v2::Frame* frame : v2.frameList("APIC")) {
         auto* picture = dynamic_cast<ID3v2::AttachedPictureFrame*>(frame);
         if (!picture || picture->picture().isEmpty()) {
             continue;

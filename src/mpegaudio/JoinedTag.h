@@ -10,6 +10,9 @@
 #include <vector>
 
 namespace TagLib {
+namespace ID3v1 {
+class Tag;
+}
 namespace ID3v2 {
 class ChapterFrame;
 class Tag;
@@ -79,8 +82,8 @@ private:
         TagLib::ByteVector data;
     };
 
-    bool takeTemplate(const JoinSourceTags& source);
-    void takePicture(const JoinSourceTags& source);
+    bool takeTemplate(const TagLib::ID3v2::Tag* v2, const TagLib::ID3v1::Tag* v1);
+    void takePicture(const TagLib::ID3v2::Tag& v2);
     void build();
 
     std::string outputTitle_;
