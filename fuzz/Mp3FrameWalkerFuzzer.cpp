@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "media/Mp3FrameWalker.h"
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3FrameWalker.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 
 namespace {
 

@@ -37,7 +37,3 @@ void SaveTipsSettings(const TipsControls& controls);
 void GetNewListSettings(NewListControls& controls);
 void GetPreferences(PreferencesControls& controls);
 void GetTipsSettings(TipsControls& controls);
-
-// Whether an MP3 join writes a tag and chapters into the joined file: the
-// Preferences box, on unless the stored value is 0.
-bool WriteTagsAndChaptersIntoJoins();

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "app/AppPaths.h"
 #include "app/DebugLog.h"
 #include "join/JoinProgress.h"
 #include "join/JoinScripts.h"
@@ -40,11 +41,11 @@ void FinishWizard(const MainModel& model, JoinWizardState& state, bool cancelled
 }
 
 void LaunchOutputFile(const MainModel& model) {
-    ShellOpen(OutputFilePath(model));
+    ShellOpen(OutputFilePath(model), InstallFolder());
 }
 
 void OpenOutputFolder(const MainModel& model) {
-    ShowItemInFolder(OutputFilePath(model));
+    ShowItemInFolder(OutputFilePath(model), InstallFolder());
 }
 
 void SetID3TagOfOutput(const MainModel& model, JoinWizardState& state) {

@@ -6,24 +6,26 @@
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "app/Settings.h"
 #include "app/Version.h"
-#include "app/WindowSettings.h"
 #include "join/ShDialect.h"
+#include "list/Columns.h"
 #include "list/MainModel.h"
 #include "mpegaudio/JoinSources.h"
 #include "platform/FileHelpers.h"
 
 namespace {
 
-const QString kVideoCodecHeader = QStringLiteral("Video Codec");
-
-// The fifth column header and the codec of the first row, as the list holds them.
+// The Video Codec column header and the codec of the first row, as the list
+// holds them.
 bool hasVideoCodec(const MainModel& model, const QString& codec) {
     const ItemList& items = model.items;
-    if (items.headerCount() < 5 || items.header(4).text != kVideoCodecHeader) {
+    if (items.headerCount() <= MpegCell::VideoCodec ||
+        items.header(MpegCell::VideoCodec).text !=
+            QLatin1String(HeaderText(kMpegColumns, MpegCell::VideoCodec))) {
         return false;
     }
-    return items.count() >= 1 && items.cell(1, 4) == codec;
+    return items.count() >= 1 && items.cell(1, MpegCell::VideoCodec) == codec;
 }
 
 bool isMp3List(const MainModel& model) {
@@ -78,12 +80,12 @@ void writeScript(const QString& path, const QStringList& lines, const ScriptDial
 void writeMp3Sources(const MainModel& model) {
     const QString path = AppDataPath(JoinNames::kMp3Sources);
     QFile::remove(path);
-    if (!WriteTagsAndChaptersIntoJoins()) {
+    if (!Settings::JoinWritesTagsAndChapters()) {
         return;
     }
     std::vector<JoinSource> sources;
     for (int position = 1; position <= model.items.count(); ++position) {
-        const QString item = model.items.cell(position, 3);
+        const QString item = model.items.cell(position, SharedCell::Filepath);
         const QFileInfo info(item);
         sources.push_back({static_cast<std::uint64_t>(info.isFile() ? info.size() : 0),
                            GetFileNameFromPath(item).toStdString()});
@@ -175,13 +177,13 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         QStringList items;
         items.reserve(count);
         for (int position = 1; position <= count; ++position) {
-            items << model.items.cell(position, 3);
+            items << model.items.cell(position, SharedCell::Filepath);
         }
         lines << d.stopIfGoneLines(firstScript);
         lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), items, tempFile);
     } else {
         for (int position = 1; position <= count; ++position) {
-            const QString item = model.items.cell(position, 3);
+            const QString item = model.items.cell(position, SharedCell::Filepath);
             lines << d.stopIfGoneLines(firstScript);
             if (position == 1) {
                 // The first line is never logged.

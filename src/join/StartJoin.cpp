@@ -11,7 +11,7 @@
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "join/JoinLock.h"
 #include "join/JoinScripts.h"
 #include "list/MainModel.h"
@@ -21,8 +21,6 @@
 namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
-const QString kDialogSection = QStringLiteral("Commondialog");
-const QString kJoinFilesKey = QStringLiteral("JoinFiles");
 
 FreeBytesSource& freeBytesSource() {
     static FreeBytesSource source;
@@ -149,7 +147,7 @@ bool preflightAfterLock(MainModel& model) {
     Questions& questions = model.questions;
     CommonDialog& dialog = model.commonDialog;
     dialog.dialogTitle = QStringLiteral("Create Output File");
-    dialog.initDir = ReadSetting(kDialogSection, kJoinFilesKey);
+    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::JoinFiles);
     dialog.fileName.clear();
     if (model.state.listType() == QStringLiteral("MP3")) {
         dialog.filter = QStringLiteral("MP3 File|*.mp3");
@@ -170,7 +168,7 @@ bool preflightAfterLock(MainModel& model) {
         folder.replace(dialog.fileTitle, QString());
     }
     if (folder != dialog.initDir) {
-        WriteSetting(kDialogSection, kJoinFilesKey, folder);
+        Settings::SetDialogFolder(Settings::DialogFolder::JoinFiles, folder);
     }
 
     while (FileExists(dialog.fileName)) {

@@ -3,7 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
+#include "list/Columns.h"
 #include "list/DialogFolder.h"
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
@@ -20,12 +21,12 @@ constexpr int kAddFilesFlags = DialogFlags::HideReadOnly + DialogFlags::AllowMul
                                DialogFlags::Explorer + DialogFlags::LongNames;
 constexpr int kAddFilesMaxLength = 32000;
 
-// A new empty row at the end with the path in cell 3, filled from the file.
+// A new empty row at the end with the path in its Filepath cell, filled from the file.
 // No turn for events lies between adding and filling, so row 0 (the last
 // row) is still the new one.
 void addFileRow(MainModel& model, const QString& path) {
     const int row = model.items.addRow();
-    model.items.setCell(row, 3, path);
+    model.items.setCell(row, SharedCell::Filepath, path);
     FillListItem(model, 0);
 }
 
@@ -36,7 +37,7 @@ void addFileRow(MainModel& model, const QString& path) {
 // the file of the path is read now.
 void addFileRow(MainModel& model, ReadAhead& files, int index, const QString& path) {
     const int row = model.items.addRow();
-    model.items.setCell(row, 3, path);
+    model.items.setCell(row, SharedCell::Filepath, path);
     ItemCellTexts cells = files.take(index);
     if (files.path(index) == path && files.listType() == model.state.listType()) {
         FillListItemWith(model, 0, cells);
@@ -127,7 +128,7 @@ void AddFiles(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
     ListState& state = model.state;
     dialog.dialogTitle = QStringLiteral("Add File(s)");
-    dialog.initDir = ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"));
+    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::AddFiles);
     dialog.fileName.clear();
     // A list of neither type keeps the filter the dialog had.
     const QString filter = AddFilesFilter(state.listType());
@@ -140,7 +141,7 @@ void AddFiles(MainModel& model) {
     if (dialog.fileName.isEmpty()) {
         return;
     }
-    RememberDialogFolder(dialog, QStringLiteral("AddFiles"));
+    RememberDialogFolder(dialog, Settings::DialogFolder::AddFiles);
     state.setCancelAddFiles(0);
 
     // Several files: the folder, then the names, split by the character 0.

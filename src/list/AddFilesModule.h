@@ -6,7 +6,7 @@
 struct MainModel;
 
 // Adding files to the end of the list. For each file a row is added, its path
-// written into cell 3 and the row filled from the file (FillListItem). While
+// written into its Filepath cell and the row filled from the file (FillListItem). While
 // files are added, panel 2 of the status bar, the cancel overlay and the
 // progress bar show it, and events get a turn after each row so that the
 // window stays alive and a cancel click is served. Duplicates and the list

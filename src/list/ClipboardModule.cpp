@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "list/Columns.h"
 #include "list/FillListItem.h"
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
@@ -16,7 +17,7 @@ QString ItemEntryText(const ItemList& items, int index) {
     if (index < 1 || index > items.count()) {
         return QString();
     }
-    QString text = kItemPrefix + items.cell(index, 0);
+    QString text = kItemPrefix + items.cell(index, SharedCell::Filename);
     for (int i = 1; i < items.headerCount(); ++i) {
         text += u'|';
         text += items.cell(index, i);
@@ -67,8 +68,8 @@ void PasteItem(MainModel& model) {
     // type of this list.
     const QStringList fields = text.split(u'|');
     const int row = model.items.addRow();
-    if (fields.size() > 3) {
-        model.items.setCell(row, 3, fields.at(3));
+    if (fields.size() > SharedCell::Filepath) {
+        model.items.setCell(row, SharedCell::Filepath, fields.at(SharedCell::Filepath));
     }
     FillListItem(model, 0);
     model.state.setSelectedIndex(model.items.count());

@@ -1,9 +1,8 @@
 #include "list/DialogFolder.h"
 
-#include "app/IniFile.h"
 #include "platform/Questions.h"
 
-void RememberDialogFolder(const CommonDialog& dialog, const QString& key) {
+void RememberDialogFolder(const CommonDialog& dialog, Settings::DialogFolder which) {
     QString folder = dialog.fileName;
     if (!dialog.fileTitle.isEmpty()) {
         folder.remove(dialog.fileTitle);
@@ -15,5 +14,5 @@ void RememberDialogFolder(const CommonDialog& dialog, const QString& key) {
     if (end >= 0) {
         folder.truncate(end);
     }
-    WriteSetting(QStringLiteral("Commondialog"), key, folder);
+    Settings::SetDialogFolder(which, folder);
 }

@@ -1,5 +1,6 @@
 #include "list/FillListItem.h"
 
+#include "list/Columns.h"
 #include "list/MainModel.h"
 
 namespace {
@@ -18,7 +19,8 @@ void FillListItem(MainModel& model, int row) {
     if (row == 0) {
         return;
     }
-    FillListItemWith(model, row, ItemCells(model.items.cell(row, 3), model.state.listType()));
+    FillListItemWith(
+        model, row, ItemCells(model.items.cell(row, SharedCell::Filepath), model.state.listType()));
 }
 
 void FillListItemWith(MainModel& model, int row, const ItemCellTexts& cells) {

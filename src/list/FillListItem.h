@@ -4,7 +4,7 @@
 
 struct MainModel;
 
-// Fills the cells of a row from the file whose path stands in its cell 3,
+// Fills the cells of a row from the file whose path stands in its Filepath cell,
 // for the list type of the list. Row 0 means the last row.
 void FillListItem(MainModel& model, int row);
 

@@ -123,6 +123,14 @@ QString ItemList::cell(int position, int cell) const {
     return cell < row.size() ? row.at(cell) : QString();
 }
 
+QStringView ItemList::cellView(int position, int cell) const {
+    if (position < 1 || position > count() || cell < 0) {
+        return {};
+    }
+    const QStringList& row = rows_.at(position - 1);
+    return cell < row.size() ? QStringView(row.at(cell)) : QStringView();
+}
+
 bool ItemList::setCell(int position, int cell, const QString& text) {
     if (position < 1 || position > count() || cell < 0) {
         return false;

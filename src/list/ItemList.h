@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 #include <QVariant>
 #include <optional>
 
@@ -48,6 +49,8 @@ public:
     // Writing a sub-item beyond the last column fails (returns false) and
     // changes nothing; cell 0 can always be written.
     QString cell(int position, int cell) const;
+    // The same text without a copy; valid until the row changes.
+    QStringView cellView(int position, int cell) const;
     bool setCell(int position, int cell, const QString& text);
     const QStringList& cells(int position) const { return rows_.at(position - 1); }
     // Writes the cells that have a value (entry i for cell i) as setCell does,

@@ -6,7 +6,8 @@
 #include <QStringDecoder>
 #include <algorithm>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
+#include "list/Columns.h"
 #include "list/DialogFolder.h"
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
@@ -16,7 +17,6 @@
 
 namespace {
 
-const QString kSettingsSection = QStringLiteral("Commondialog");
 const QString kListFilter = QStringLiteral("VLR Files|*.vlr");
 
 void setListLayout(MainModel& model, const QString& listType, bool setImage) {
@@ -115,7 +115,7 @@ QByteArray ListFileText(const MainModel& model) {
     text += model.state.listType();
     text += QLatin1String(">\r\n");
     for (int i = 1; i <= items.count(); ++i) {
-        text += items.cell(i, 0);
+        text += items.cell(i, SharedCell::Filename);
         for (int j = 1; j <= subItems; ++j) {
             text += u'|';
             text += items.cell(i, j);
@@ -129,7 +129,7 @@ void SaveList(MainModel& model, short saveAs) {
     CommonDialog& dialog = model.commonDialog;
     if (model.state.listFileName().isEmpty() || saveAs == -1) {
         dialog.dialogTitle = QStringLiteral("Save List");
-        dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("SaveList"));
+        dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::SaveList);
         dialog.fileName.clear();
         dialog.filter = kListFilter;
         dialog.flags = DialogFlags::HideReadOnly;
@@ -137,7 +137,7 @@ void SaveList(MainModel& model, short saveAs) {
         if (dialog.fileName.isEmpty()) {
             return;
         }
-        RememberDialogFolder(dialog, QStringLiteral("SaveList"));
+        RememberDialogFolder(dialog, Settings::DialogFolder::SaveList);
     } else {
         dialog.fileName = model.state.listFileName();
     }
@@ -207,7 +207,7 @@ bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& p
 void OpenList(MainModel& model) {
     CommonDialog& dialog = model.commonDialog;
     dialog.dialogTitle = QStringLiteral("Open List");
-    dialog.initDir = ReadSetting(kSettingsSection, QStringLiteral("OpenList"));
+    dialog.initDir = Settings::DialogFolderOf(Settings::DialogFolder::OpenList);
     dialog.fileName.clear();
     dialog.filter = kListFilter;
     dialog.flags = DialogFlags::HideReadOnly;
@@ -217,7 +217,7 @@ void OpenList(MainModel& model) {
     }
     // The folder is remembered before the file is looked at, so also for a
     // file that turns out to be invalid.
-    RememberDialogFolder(dialog, QStringLiteral("OpenList"));
+    RememberDialogFolder(dialog, Settings::DialogFolder::OpenList);
     const QString path = dialog.fileName;
 
     QFile file(path);
@@ -260,7 +260,7 @@ void RemoveDuplicatedFiles(MainModel& model) {
     QSet<QString> seen;
     seen.reserve(rows);
     for (int i = rows; i >= 1; --i) {
-        const QString path = items.cell(i, 3);
+        const QString path = items.cell(i, SharedCell::Filepath);
         if (seen.contains(path)) {
             keep[i - 1] = false;
         } else {
@@ -286,7 +286,7 @@ void RemoveDeadFiles(MainModel& model) {
     const int rows = items.count();
     QList<bool> keep(rows, true);
     for (int i = 1; i <= rows; ++i) {
-        keep[i - 1] = IsLiveFile(items.cell(i, 3));
+        keep[i - 1] = IsLiveFile(items.cell(i, SharedCell::Filepath));
     }
     // All dead rows go at once and the totals follow once: the same end as
     // removing them one by one from the bottom with totals after each.
@@ -300,7 +300,7 @@ void OnlyKeepBitrateItems(MainModel& model, const QString& bitrate) {
     const int rows = items.count();
     QList<bool> keep(rows, true);
     for (int i = 1; i <= rows; ++i) {
-        keep[i - 1] = items.cell(i, 10) == bitrate;
+        keep[i - 1] = items.cell(i, Mp3Cell::Bitrate) == bitrate;
     }
     items.removeRowsExcept(keep);
     UpdateListTotals(model);
@@ -315,8 +315,8 @@ void MoveItemUp(MainModel& model, int index) {
     }
     // The moved row is built anew above its neighbour with its name and
     // path; the old one goes, and both rows are filled from their files.
-    items.insertRow(index - 1, items.cell(index, 0));
-    items.setCell(index - 1, 3, items.cell(index + 1, 3));
+    items.insertRow(index - 1, items.cell(index, SharedCell::Filename));
+    items.setCell(index - 1, SharedCell::Filepath, items.cell(index + 1, SharedCell::Filepath));
     items.removeRow(index + 1);
     FillListItem(model, index);
     FillListItem(model, index - 1);
@@ -330,8 +330,8 @@ void MoveItemDown(MainModel& model, int index) {
         model.state.requestListFocus();
         return;
     }
-    items.insertRow(index + 2, items.cell(index, 0));
-    items.setCell(index + 2, 3, items.cell(index, 3));
+    items.insertRow(index + 2, items.cell(index, SharedCell::Filename));
+    items.setCell(index + 2, SharedCell::Filepath, items.cell(index, SharedCell::Filepath));
     items.removeRow(index);
     FillListItem(model, index);
     FillListItem(model, index + 1);

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "list/Columns.h"
+#include "list/ListGrade.h"
 #include "list/MainModel.h"
 
 namespace {
@@ -72,11 +74,6 @@ QStringView withoutUnit(QStringView text, const QString& unit, QString& scratch)
     return scratch;
 }
 
-// Cell n of a row, the empty text for a cell that was never written.
-QStringView cellOf(const QStringList& row, int n) {
-    return n < row.size() ? QStringView(row.at(n)) : QStringView();
-}
-
 }  // namespace
 
 namespace {
@@ -141,9 +138,9 @@ void UpdateListTotals(MainModel& model) {
     // other type add no seconds.
     int durationCell = -1;
     if (state.listType() == QLatin1String("MP3")) {
-        durationCell = 9;
+        durationCell = Mp3Cell::Duration;
     } else if (state.listType() == QLatin1String("MPEG")) {
-        durationCell = 6;
+        durationCell = MpegCell::Duration;
     }
 
     // The seconds total is a 32-bit count: a row that would carry it past
@@ -153,19 +150,19 @@ void UpdateListTotals(MainModel& model) {
     const QString group = locale.groupSeparator();
     QString scratch;
     for (int i = 1; i <= rows; ++i) {
-        const QStringList& row = items.cells(i);
         double value = 0;
         if (durationCell >= 0 &&
-            parseCellNumber(withoutUnit(cellOf(row, durationCell), kSecondsUnit, scratch), locale,
-                            group, value)) {
+            parseCellNumber(withoutUnit(items.cellView(i, durationCell), kSecondsUnit, scratch),
+                            locale, group, value)) {
             const double sum = static_cast<double>(seconds) + std::floor(value);
             if (sum >= std::numeric_limits<qint32>::min() &&
                 sum <= std::numeric_limits<qint32>::max()) {
                 seconds = static_cast<qint32>(sum);
             }
         }
-        if (parseCellNumber(withoutUnit(cellOf(row, 1), kKilobyteUnit, scratch), locale, group,
-                            value)) {
+        if (parseCellNumber(
+                withoutUnit(items.cellView(i, SharedCell::Filesize), kKilobyteUnit, scratch),
+                locale, group, value)) {
             kilobytes += std::floor(value);
         }
     }
@@ -177,70 +174,4 @@ void UpdateListTotals(MainModel& model) {
         state.setSizeCaption(FormatKilobytes(kilobytes, locale) + kKilobyteUnit);
     }
     UpdateListStatus(model);
-}
-
-namespace {
-
-// True when the column, all its cells appended to one text, is made up of
-// nothing but the first row's cell: every occurrence of that cell is deleted
-// from the joined text, and the column counts as equal when nothing is left.
-// So a first cell "AB" and a later one "ABAB" are equal, and an empty first
-// cell matches only a column of empty cells.
-bool columnMadeOfFirstCell(const ItemList& items, int cell) {
-    const int rows = items.count();
-    const QString first = items.cell(1, cell);
-    // The common case, every cell the same text, needs no joined text.
-    bool allSame = true;
-    for (int i = 2; i <= rows && allSame; ++i) {
-        allSame = cellOf(items.cells(i), cell) == first;
-    }
-    if (allSame) {
-        return true;
-    }
-    if (first.isEmpty()) {
-        return false;  // some later cell is not empty, and nothing deletes it
-    }
-    QString joined;
-    for (int i = 1; i <= rows; ++i) {
-        joined += items.cell(i, cell);
-    }
-    joined.remove(first);
-    return joined.isEmpty();
-}
-
-}  // namespace
-
-void UpdateListStatus(MainModel& model) {
-    const ItemList& items = model.items;
-    const int rows = items.count();
-    if (rows >= 1) {
-        SetListStatus(model, QStringLiteral("Green"));
-        if (model.state.listType() == QLatin1String("MP3")) {
-            if (!columnMadeOfFirstCell(items, 11)) {
-                SetListStatus(model, QStringLiteral("Orange"));
-            }
-        } else {
-            // Every type but MP3 is graded on its video columns.
-            if (!columnMadeOfFirstCell(items, 4)) {
-                SetListStatus(model, QStringLiteral("Red"));
-            }
-            if (!columnMadeOfFirstCell(items, 5)) {
-                SetListStatus(model, QStringLiteral("Red"));
-            }
-        }
-    }
-    if (rows < 2) {
-        SetListStatus(model, QStringLiteral("Red"));
-    }
-}
-
-void SetListStatus(MainModel& model, const QString& status) {
-    model.state.setListStatusText(status);
-    if (status == QLatin1String("Green")) {
-        model.state.setStatusPicture(ListState::Picture::Green);
-    } else if (status == QLatin1String("Orange")) {
-        model.state.setStatusPicture(ListState::Picture::Orange);
-    } else if (status == QLatin1String("Red")) {
-        model.state.setStatusPicture(ListState::Picture::Red);
-    }
 }

@@ -12,15 +12,6 @@ struct MainModel;
 // every routine that adds or removes rows.
 void UpdateListTotals(MainModel& model);
 
-// Grades the list: Red for fewer than 2 rows; otherwise Green, unless the
-// Hertz cells of an MP3 list differ (Orange) or the Video Codec or Video Size
-// cells of any other list differ (Red).
-void UpdateListStatus(MainModel& model);
-
-// Stores ListStatus and, for "Green", "Orange" and "Red", sets the status
-// picture; any other text leaves the picture as it is.
-void SetListStatus(MainModel& model, const QString& status);
-
 // Reads the number in a cell's text once its unit is gone: surrounding blanks
 // are ignored, and the locale's digit grouping is accepted ("4,211" in a
 // locale that groups with commas). False for empty or non-numeric text.

@@ -1,27 +1,32 @@
 #include "list/ListviewLayout.h"
 
+#include "list/Columns.h"
 #include "list/MainModel.h"
 
 void ClearColumns(MainModel& model) {
     model.items.clearColumns();
 }
 
+namespace {
+
+template <std::size_t N>
+void addColumns(MainModel& model, const ColumnHeader (&columns)[N]) {
+    for (const ColumnHeader& column : columns) {
+        model.items.addColumn(QString::fromLatin1(column.text),
+                              column.hidden ? 0 : ItemList::kDefaultColumnWidth);
+    }
+}
+
+}  // namespace
+
 void AddSharedColumns(MainModel& model) {
-    model.items.addColumn(QStringLiteral("Filename"));
-    model.items.addColumn(QStringLiteral("Filesize"));
-    model.items.addColumn(QStringLiteral("Date Modified"));
-    model.items.addColumn(QStringLiteral("Filepath"), 0);
+    addColumns(model, kSharedColumns);
 }
 
 void AddMP3Columns(MainModel& model) {
-    for (const char* text :
-         {"Artist", "Title", "Album", "Year", "Genre", "Duration", "Bitrate", "Hertz"}) {
-        model.items.addColumn(QString::fromLatin1(text));
-    }
+    addColumns(model, kMp3Columns);
 }
 
 void AddMPEGColumns(MainModel& model) {
-    for (const char* text : {"Video Codec", "Video Size", "Duration"}) {
-        model.items.addColumn(QString::fromLatin1(text));
-    }
+    addColumns(model, kMpegColumns);
 }

@@ -1,6 +1,6 @@
 #include "media/ID3Reader.h"
 
-#include "media/MpegFrameHeader.h"
+#include "mpegaudio/MpegFrameHeader.h"
 
 #include <QFile>
 #include <QFileInfo>

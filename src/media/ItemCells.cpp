@@ -6,15 +6,13 @@
 #include <cstdint>
 #include <limits>
 
+#include "list/Columns.h"
 #include "media/ID3Reader.h"
 #include "media/Id3v2TagCells.h"
 #include "media/MediaInfoFile.h"
 #include "platform/FileHelpers.h"
 
 namespace {
-
-constexpr int kMp3CellCount = 12;
-constexpr int kMpegCellCount = 7;
 
 // The library's value as a number: decimal, blanks around it allowed.
 std::optional<double> NumberFromText(const QString& text) {
@@ -105,16 +103,17 @@ QString VideoDurationCell(const QString& playTimeMs) {
 
 ItemCellTexts ItemCells(const QString& path, const QString& listType) {
     const bool mp3 = listType == QLatin1String("MP3");
-    ItemCellTexts cells(mp3 ? kMp3CellCount : kMpegCellCount);
+    const int count = mp3 ? int{Mp3Cell::Count} : int{MpegCell::Count};
+    ItemCellTexts cells(count);
 
-    cells[0] = GetFileNameFromPath(path);
+    cells[SharedCell::Filename] = GetFileNameFromPath(path);
     const QFileInfo info(path);
     const bool isThere = !path.isEmpty() && info.exists();
-    cells[1] = FileSizeText(isThere && info.isFile() ? info.size() : 0);
+    cells[SharedCell::Filesize] = FileSizeText(isThere && info.isFile() ? info.size() : 0);
     if (isThere) {
         const QDateTime modified = info.lastModified();
         if (modified.isValid()) {
-            cells[2] = FileDateText(modified);
+            cells[SharedCell::DateModified] = FileDateText(modified);
         }
     }
 
@@ -122,29 +121,32 @@ ItemCellTexts ItemCells(const QString& path, const QString& listType) {
         ID3Reader reader;
         reader.setFileName(path);
         if (reader.TagWasRead()) {
-            cells[4] = reader.Artist();
-            cells[5] = reader.Title();
-            cells[6] = reader.Album();
-            cells[7] = reader.Year();
-            cells[8] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
+            cells[Mp3Cell::Artist] = reader.Artist();
+            cells[Mp3Cell::Title] = reader.Title();
+            cells[Mp3Cell::Album] = reader.Album();
+            cells[Mp3Cell::Year] = reader.Year();
+            cells[Mp3Cell::Genre] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
         } else if (const std::optional<Id3v2TagCells> tag = ReadId3v2TagCells(path)) {
-            cells[4] = tag->artist;
-            cells[5] = tag->title;
-            cells[6] = tag->album;
-            cells[7] = tag->year;
-            cells[8] = tag->genre;
+            cells[Mp3Cell::Artist] = tag->artist;
+            cells[Mp3Cell::Title] = tag->title;
+            cells[Mp3Cell::Album] = tag->album;
+            cells[Mp3Cell::Year] = tag->year;
+            cells[Mp3Cell::Genre] = tag->genre;
         }
         MediaInfoFile media(path);
-        cells[9] = DurationCellFromPlayTime(media.inform(QStringLiteral("General;%PlayTime%")));
-        cells[10] = BitrateCell(media.inform(QStringLiteral("Audio;%BitRate%")));
+        cells[Mp3Cell::Duration] =
+            DurationCellFromPlayTime(media.inform(QStringLiteral("General;%PlayTime%")));
+        cells[Mp3Cell::Bitrate] = BitrateCell(media.inform(QStringLiteral("Audio;%BitRate%")));
         const QString rate = media.inform(QStringLiteral("Audio;%SamplingRate%"));
-        cells[11] = HertzCell(rate, media.inform(QStringLiteral("Audio;%Channel(s)%")));
+        cells[Mp3Cell::Hertz] = HertzCell(rate, media.inform(QStringLiteral("Audio;%Channel(s)%")));
     } else {
         MediaInfoFile media(path);
-        cells[4] = media.inform(QStringLiteral("Video;%Codec%"));
+        cells[MpegCell::VideoCodec] = media.inform(QStringLiteral("Video;%Codec%"));
         const QString width = media.inform(QStringLiteral("Video;%Width%"));
-        cells[5] = VideoSizeCell(width, media.inform(QStringLiteral("Video;%Height%")));
-        cells[6] = VideoDurationCell(media.inform(QStringLiteral("General;%PlayTime%")));
+        cells[MpegCell::VideoSize] =
+            VideoSizeCell(width, media.inform(QStringLiteral("Video;%Height%")));
+        cells[MpegCell::Duration] =
+            VideoDurationCell(media.inform(QStringLiteral("General;%PlayTime%")));
     }
     return cells;
 }

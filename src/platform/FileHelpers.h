@@ -47,9 +47,11 @@ QString GetWindowsFolder();
 QString GetShellFolderPath(std::int32_t folderId, Questions& questions);
 inline constexpr std::int32_t kAppDataFolderId = 0x801A;
 
-// Opens the file manager's properties view of a file. True when it was asked.
+// Opens the file manager's properties view of a file; without a file manager
+// the folder is opened (ShellOpen in workingFolder). True when it was asked.
 // (Defined with the other shell calls in platform/Shell.cpp.)
-bool ShowFileProperties(const QString& path, std::uint32_t windowHandle = 0);
+bool ShowFileProperties(const QString& path, const QString& workingFolder,
+                        std::uint32_t windowHandle = 0);
 
 // Free bytes available to the caller on the file system that holds path. The
 // caller's text is trimmed and given a trailing separator, in place. 0 on failure.

@@ -7,7 +7,6 @@
 #include <QUrl>
 #include <utility>
 
-#include "app/AppPaths.h"
 #include "platform/FileHelpers.h"
 
 namespace {
@@ -61,31 +60,32 @@ QString folderOf(const QString& path) {
 
 }  // namespace
 
-bool ShellOpen(const QString& pathOrUrl) {
+bool ShellOpen(const QString& pathOrUrl, const QString& workingFolder) {
     if (pathOrUrl.isEmpty()) {
         return false;
     }
-    return launchDetached(QStringLiteral("xdg-open"), {pathOrUrl}, InstallFolder());
+    return launchDetached(QStringLiteral("xdg-open"), {pathOrUrl}, workingFolder);
 }
 
-bool ShowItemInFolder(const QString& path) {
+bool ShowItemInFolder(const QString& path, const QString& workingFolder) {
     if (path.isEmpty() || !FileExists(path)) {
         return false;
     }
     if (callFileManager(QStringLiteral("ShowItems"), {fileUri(path)})) {
         return true;
     }
-    return ShellOpen(folderOf(path));
+    return ShellOpen(folderOf(path), workingFolder);
 }
 
-bool ShowFileProperties(const QString& path, std::uint32_t /*windowHandle*/) {
+bool ShowFileProperties(const QString& path, const QString& workingFolder,
+                        std::uint32_t /*windowHandle*/) {
     if (path.isEmpty() || !FileExists(path)) {
         return false;
     }
     if (callFileManager(QStringLiteral("ShowItemProperties"), {fileUri(path)})) {
         return true;
     }
-    return ShellOpen(folderOf(path));
+    return ShellOpen(folderOf(path), workingFolder);
 }
 
 ShellLauncher setShellLauncherHook(ShellLauncher hook) {

@@ -8,14 +8,15 @@
 // the file manager's folder and properties views.
 
 // Opens a file, folder or web address with the program the desktop has chosen
-// for it (xdg-open, started detached with InstallFolder() as working folder).
-// True when the opener could be started.
-bool ShellOpen(const QString& pathOrUrl);
+// for it (xdg-open, started detached in the caller's working folder; the
+// program passes its InstallFolder()). True when the opener could be started.
+bool ShellOpen(const QString& pathOrUrl, const QString& workingFolder);
 
 // Shows the folder of a file in the file manager with the file selected
 // (org.freedesktop.FileManager1.ShowItems over the session bus). Without such
-// a file manager the folder itself is opened. True when either was asked.
-bool ShowItemInFolder(const QString& path);
+// a file manager the folder itself is opened (ShellOpen in workingFolder).
+// True when either was asked.
+bool ShowItemInFolder(const QString& path, const QString& workingFolder);
 
 // ShowFileProperties (declared in platform/FileHelpers.h) lives here too: the
 // file manager's ShowItemProperties, falling back to opening the folder.

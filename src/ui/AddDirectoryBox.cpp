@@ -10,7 +10,7 @@
 #include <QTimer>
 #include <QTreeView>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "list/AddFilesModule.h"
 #include "list/MainModel.h"
 #include "platform/Drives.h"
@@ -120,8 +120,7 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     // starts on, the drive's change step shows the drive's current folder in
     // place of the remembered one. On the starting drive nothing changes and
     // the remembered folder stays.
-    const QString remembered =
-        ReadSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"));
+    const QString remembered = Settings::DialogFolderOf(Settings::DialogFolder::AddFiles);
     loading_ = true;
     setDirPath(remembered.isEmpty() ? QStringLiteral("/") : remembered);
     loading_ = false;
@@ -210,7 +209,7 @@ void AddDirectoryBox::confirm() {
     } else {
         AddFolderFiles(model_, path);
     }
-    WriteSetting(QStringLiteral("Commondialog"), QStringLiteral("AddFiles"), path_);
+    Settings::SetDialogFolder(Settings::DialogFolder::AddFiles, path_);
 
     cmdCancel_->setEnabled(true);
     accept();

@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QWindow>
 
+#include "app/AppPaths.h"
 #include "app/Startup.h"
 #include "platform/Shell.h"
 #include "ui/MainWindow.h"
@@ -45,7 +46,7 @@ void waitUntilPlaced(QWidget* window) {
 
 AppLauncher::AppLauncher(Questions& questions, Clipboard& clipboard)
     : questions_(questions), mainWindow_(std::make_unique<MainWindow>(questions, clipboard)) {
-    openSite = [](const QString& address) { ShellOpen(address); };
+    openSite = [](const QString& address) { ShellOpen(address, InstallFolder()); };
 }
 
 AppLauncher::~AppLauncher() {

@@ -41,5 +41,5 @@ void HelpCheckForUpdate(MainModel& model) {
 }
 
 void OpenThroughShell(const QString& target) {
-    ShellOpen(target);
+    ShellOpen(target, InstallFolder());
 }

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "list/Columns.h"
 #include "list/FillListItem.h"
 #include "list/MainModel.h"
 #include "media/GenreComboTarget.h"
@@ -189,7 +190,7 @@ void ID3Tag::done(int result) {
 void ID3Tag::ViewID3Tag(MainModel& model, QWidget* parent) {
     ID3Tag window(model, parent);
     const int selected = model.state.selectedIndex();
-    window.setFileName(selected > 0 ? model.items.cell(selected, 3) : QString());
+    window.setFileName(selected > 0 ? model.items.cell(selected, SharedCell::Filepath) : QString());
     if (window.fileName().isEmpty()) {
         window.done(QDialog::Rejected);
         return;

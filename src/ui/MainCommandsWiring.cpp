@@ -97,8 +97,8 @@ void WireMainCommands(MainWindow& window, MainCommands& c) {
 
     // Desktop: the file opens in whatever the user's system has for it. An
     // empty path (no row selected) is handed on as it is and opens nothing.
-    c.shellOpen = [](const QString& path) { ShellOpen(path); };
+    c.shellOpen = [](const QString& path) { ShellOpen(path, InstallFolder()); };
     c.showFileProperties = [&window](const QString& path) {
-        ShowFileProperties(path, static_cast<std::uint32_t>(window.winId()));
+        ShowFileProperties(path, InstallFolder(), static_cast<std::uint32_t>(window.winId()));
     };
 }

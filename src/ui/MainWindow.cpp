@@ -15,6 +15,7 @@
 #include <QToolButton>
 
 #include "app/Version.h"
+#include "list/Columns.h"
 #include "list/ListviewLayout.h"
 #include "ui/ImageButton.h"
 #include "ui/LinkLabel.h"
@@ -190,9 +191,12 @@ void MainWindow::buildMenus() {
              QStringLiteral("&Remove Dead Files"), QKeySequence(Qt::CTRL | Qt::Key_W),
              [&c] { RunCommand(c.removeDeadFiles); });
     addSeparator(remove, QStringLiteral("Separator14"));
-    QAction* onlyKeep = addEntry(
-        remove, QStringLiteral("RemoveSpecialOnlyKeepBitrateItems"), kOnlyKeepDesignCaption, {},
-        [this, &c] { RunCommand(c.onlyKeepBitrateItems, model_.items.cell(selectedIndex(), 10)); });
+    QAction* onlyKeep =
+        addEntry(remove, QStringLiteral("RemoveSpecialOnlyKeepBitrateItems"),
+                 kOnlyKeepDesignCaption, {}, [this, &c] {
+                     RunCommand(c.onlyKeepBitrateItems,
+                                model_.items.cell(selectedIndex(), Mp3Cell::Bitrate));
+                 });
     onlyKeep->setEnabled(false);  // created disabled, and nothing enables it
     addEntry(remove, QStringLiteral("RemoveItemsRemoveWizard"), QStringLiteral("&Remove Wizard"),
              {}, [&c] { RunCommand(c.showRemoveWizard); });
@@ -572,7 +576,7 @@ void MainWindow::selectIndexInView(int index) {
     }
     syncingSelection_ = true;
     if (index >= 1 && index <= model_.items.count()) {
-        const QModelIndex at = model_.items.index(index - 1, 0);
+        const QModelIndex at = model_.items.index(index - 1, SharedCell::Filename);
         selection->setCurrentIndex(at,
                                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         listView_->scrollTo(at);
@@ -594,7 +598,8 @@ void MainWindow::editMenuRules() {
     actions_.value(QStringLiteral("RemoveItemsRemoveWizard"))->setEnabled(hasRows);
     if (hasRows && model_.state.listType() == QLatin1String("MP3")) {
         actions_.value(QStringLiteral("RemoveSpecialOnlyKeepBitrateItems"))
-            ->setText(QStringLiteral("&Only Keep [") + model_.items.cell(selectedIndex(), 10) +
+            ->setText(QStringLiteral("&Only Keep [") +
+                      model_.items.cell(selectedIndex(), Mp3Cell::Bitrate) +
                       QStringLiteral("] Items"));
     }
 }
@@ -635,15 +640,16 @@ void MainWindow::runEditPreferences() {
 }
 
 void MainWindow::viewID3Tag() {
-    RunCommand(commands_.showID3Tag, model_.items.cell(selectedIndex(), 3));
+    RunCommand(commands_.showID3Tag, model_.items.cell(selectedIndex(), SharedCell::Filepath));
 }
 
 void MainWindow::viewFileProperties() {
-    RunCommand(commands_.showFileProperties, model_.items.cell(selectedIndex(), 3));
+    RunCommand(commands_.showFileProperties,
+               model_.items.cell(selectedIndex(), SharedCell::Filepath));
 }
 
 void MainWindow::playSelectedFile() {
-    RunCommand(commands_.shellOpen, model_.items.cell(selectedIndex(), 3));
+    RunCommand(commands_.shellOpen, model_.items.cell(selectedIndex(), SharedCell::Filepath));
 }
 
 // ---------------------------------------------------------------- toolbar, buttons

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <functional>
 
+#include "list/Columns.h"
 #include "ui/AppLauncher.h"
 #include "ui/ListViewControl.h"
 #include "ui/MainWindow.h"
@@ -136,7 +137,8 @@ QHash<QString, Scene> Scenes() {
             });
             ListViewControl* view = window.listView();
             const int row = window.selectedIndex() - 1;
-            const QRect cell = view->visualRect(window.model().items.index(row, 0));
+            const QRect cell =
+                view->visualRect(window.model().items.index(row, SharedCell::Filename));
             window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
         });
     });

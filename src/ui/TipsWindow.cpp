@@ -11,7 +11,7 @@
 #include <QStyle>
 #include <cmath>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "app/WindowSettings.h"
 #include "list/MainModel.h"
 #include "ui/ProgramLook.h"
@@ -107,7 +107,7 @@ void TipsWindow::SetRandomSource(std::function<double()> source) {
 
 void TipsWindow::NextTip() {
     short count = 0;
-    toShort(ReadSetting(QStringLiteral("Tips"), QStringLiteral("Count")), count);
+    toShort(Settings::TipsCountText(), count);
     double r = 0.0;
     if (randomSource()) {
         r = randomSource()();
@@ -118,8 +118,7 @@ void TipsWindow::NextTip() {
         r = generator.generateDouble();
     }
     const int n = PickTipNumber(count, r);
-    tipText_->setPlainText(
-        ReadSetting(QStringLiteral("Tips"), QStringLiteral("Tip") + QString::number(n)));
+    tipText_->setPlainText(Settings::TipText(n));
     if (tipText_->toPlainText().isEmpty()) {
         tipText_->setPlainText(errorText());
     }

@@ -3,7 +3,7 @@
 #include <QFileInfo>
 
 #include "ScriptTestSupport.h"
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "join/BatchDialect.h"
 #include "join/JoinCleanup.h"
 #include "join/JoinScripts.h"
@@ -586,12 +586,10 @@ TEST_F(JoinScriptsTest, Mp3List_SourcesFileListsEachItemsLengthAndName_UnlessTag
     EXPECT_EQ(sources[2].name, "three\nlines 100%.mp3");
 
     // With the box off no sources file is written, and an earlier one goes.
-    WriteSetting(QStringLiteral("Join"), QStringLiteral("WriteTagsAndChapters"),
-                 QStringLiteral("0"));
+    Settings::SetJoinWriteTagsAndChapters(0);
     write(sh);
     EXPECT_FALSE(QFile::exists(app("JoinSources.txt")));
-    WriteSetting(QStringLiteral("Join"), QStringLiteral("WriteTagsAndChapters"),
-                 QStringLiteral("1"));
+    Settings::SetJoinWriteTagsAndChapters(1);
     write(batch);
     EXPECT_TRUE(QFile::exists(app("JoinSources.txt")));
     // The clean-up removes it with the scripts.

@@ -15,7 +15,7 @@
 #include "list/ListviewLayout.h"
 #include "media/ID3Reader.h"
 #include "media/MediaInfoFile.h"
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 #include "support/MediaMaker.h"
 
 namespace {

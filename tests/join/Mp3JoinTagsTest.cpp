@@ -11,14 +11,14 @@
 #include <QJsonObject>
 #include <QProcess>
 
-#include "app/IniFile.h"
+#include "app/Settings.h"
 #include "join/JoinRunTestBed.h"
 #include "join/StartJoin.h"
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
 #include "list/ListviewLayout.h"
 #include "media/MediaInfoFile.h"
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 #include "support/MediaMaker.h"
 
 namespace {
@@ -245,10 +245,7 @@ protected:
         EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
     }
 
-    void setTagsAndChapters(bool on) {
-        WriteSetting(QStringLiteral("Join"), QStringLiteral("WriteTagsAndChapters"),
-                     on ? QStringLiteral("1") : QStringLiteral("0"));
-    }
+    void setTagsAndChapters(bool on) { Settings::SetJoinWriteTagsAndChapters(on ? 1 : 0); }
 
     QString join(const QList<TaggedSource>& list,
                  const QString& name = QStringLiteral("Joined Book.mp3")) {
@@ -261,7 +258,7 @@ protected:
         AddMP3Columns(model);
         for (const TaggedSource& source : list) {
             const int row = model.items.addRow(QFileInfo(source.path).fileName());
-            model.items.setCell(row, 3, source.path);
+            model.items.setCell(row, SharedCell::Filepath, source.path);
             FillListItem(model, 0);
         }
         UpdateListTotals(model);

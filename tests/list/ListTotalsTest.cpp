@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include "ListTestModel.h"
+#include "list/ListGrade.h"
 #include "list/ListTotals.h"
 #include "list/ListviewLayout.h"
 

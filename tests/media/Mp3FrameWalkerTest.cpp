@@ -4,9 +4,9 @@
 #include <cstring>
 #include <vector>
 
-#include "media/Mp3FrameWalker.h"
-#include "media/Mp3HeaderFrame.h"
-#include "media/MpegFrameHeader.h"
+#include "mpegaudio/Mp3FrameWalker.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
+#include "mpegaudio/MpegFrameHeader.h"
 
 namespace {
 

@@ -56,7 +56,7 @@ protected:
 };
 
 TEST_F(ShellTest, ShellOpen_StartsTheDesktopOpenerInInstallFolder) {
-    EXPECT_TRUE(ShellOpen(song()));
+    EXPECT_TRUE(ShellOpen(song(), InstallFolder()));
     ASSERT_EQ(launches.size(), 1);
     EXPECT_EQ(launches[0].program, QStringLiteral("xdg-open"));
     EXPECT_EQ(launches[0].arguments, QStringList{song()});
@@ -66,20 +66,20 @@ TEST_F(ShellTest, ShellOpen_StartsTheDesktopOpenerInInstallFolder) {
 TEST_F(ShellTest, ShellOpen_WebAddress_IsHandedOnAsIs) {
     const QString address =
         QStringLiteral("http://www.velmora.example/Content/VLR/?page=update&version=1.61");
-    EXPECT_TRUE(ShellOpen(address));
+    EXPECT_TRUE(ShellOpen(address, InstallFolder()));
     ASSERT_EQ(launches.size(), 1);
     EXPECT_EQ(launches[0].arguments, QStringList{address});
 }
 
 TEST_F(ShellTest, ShellOpen_OpenerThatCannotStart_IsFalse) {
     launcherWorks = false;
-    EXPECT_FALSE(ShellOpen(song()));
-    EXPECT_FALSE(ShellOpen(QString()));
+    EXPECT_FALSE(ShellOpen(song(), InstallFolder()));
+    EXPECT_FALSE(ShellOpen(QString(), InstallFolder()));
     EXPECT_EQ(launches.size(), 1);
 }
 
 TEST_F(ShellTest, ShowItemInFolder_AsksFileManagerWithFileUri) {
-    EXPECT_TRUE(ShowItemInFolder(song()));
+    EXPECT_TRUE(ShowItemInFolder(song(), InstallFolder()));
     ASSERT_EQ(requests.size(), 1);
     EXPECT_EQ(requests[0].method, QStringLiteral("ShowItems"));
     ASSERT_EQ(requests[0].uris.size(), 1);
@@ -90,19 +90,19 @@ TEST_F(ShellTest, ShowItemInFolder_AsksFileManagerWithFileUri) {
 
 TEST_F(ShellTest, ShowItemInFolder_NoFileManager_OpensTheFolder) {
     fileManagerAnswers = false;
-    EXPECT_TRUE(ShowItemInFolder(song()));
+    EXPECT_TRUE(ShowItemInFolder(song(), InstallFolder()));
     ASSERT_EQ(launches.size(), 1);
     EXPECT_EQ(launches[0].arguments, QStringList{dir.path()});
 }
 
 TEST_F(ShellTest, ShowItemInFolder_MissingFile_IsFalseAndAsksNothing) {
-    EXPECT_FALSE(ShowItemInFolder(dir.path() + "/gone.mp3"));
+    EXPECT_FALSE(ShowItemInFolder(dir.path() + "/gone.mp3", InstallFolder()));
     EXPECT_TRUE(requests.isEmpty());
     EXPECT_TRUE(launches.isEmpty());
 }
 
 TEST_F(ShellTest, ShowFileProperties_AsksFileManagerForProperties) {
-    EXPECT_TRUE(ShowFileProperties(song(), 0));
+    EXPECT_TRUE(ShowFileProperties(song(), InstallFolder(), 0));
     ASSERT_EQ(requests.size(), 1);
     EXPECT_EQ(requests[0].method, QStringLiteral("ShowItemProperties"));
     EXPECT_EQ(QUrl(requests[0].uris.value(0)).toLocalFile(), song());
@@ -110,7 +110,7 @@ TEST_F(ShellTest, ShowFileProperties_AsksFileManagerForProperties) {
 
 TEST_F(ShellTest, ShowFileProperties_NoFileManager_OpensTheFolder) {
     fileManagerAnswers = false;
-    EXPECT_TRUE(ShowFileProperties(song(), 0));
+    EXPECT_TRUE(ShowFileProperties(song(), InstallFolder(), 0));
     ASSERT_EQ(launches.size(), 1);
     EXPECT_EQ(launches[0].arguments, QStringList{dir.path()});
 }
@@ -118,11 +118,11 @@ TEST_F(ShellTest, ShowFileProperties_NoFileManager_OpensTheFolder) {
 TEST_F(ShellTest, ShowFileProperties_NothingAnswers_IsFalse) {
     fileManagerAnswers = false;
     launcherWorks = false;
-    EXPECT_FALSE(ShowFileProperties(song(), 0));
+    EXPECT_FALSE(ShowFileProperties(song(), InstallFolder(), 0));
 }
 
 TEST_F(ShellTest, ShowFileProperties_MissingFile_IsFalse) {
-    EXPECT_FALSE(ShowFileProperties(dir.path() + "/gone.mp3", 0));
+    EXPECT_FALSE(ShowFileProperties(dir.path() + "/gone.mp3", InstallFolder(), 0));
     EXPECT_TRUE(requests.isEmpty());
 }
 

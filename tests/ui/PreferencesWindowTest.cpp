@@ -11,7 +11,7 @@
 
 #include "app/AppPaths.h"
 #include "app/IniFile.h"
-#include "app/WindowSettings.h"
+#include "app/Settings.h"
 #include "list/MainModel.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
@@ -118,7 +118,7 @@ TEST_F(PreferencesWindowTest, Controls_HaveTheirNamesCaptionsAndTabOrder) {
 }
 
 TEST_F(PreferencesWindowTest, WriteTagsAndChapters_OnByDefaultAndSavedWhenCleared) {
-    EXPECT_TRUE(WriteTagsAndChaptersIntoJoins());
+    EXPECT_TRUE(Settings::JoinWritesTagsAndChapters());
     PreferencesWindow window(model);
     auto* box = child<QCheckBox>(window, "WriteTagsAndChapters");
     EXPECT_EQ(box->text(), "Write tags and chapters into joined MP3 files");
@@ -128,7 +128,7 @@ TEST_F(PreferencesWindowTest, WriteTagsAndChapters_OnByDefaultAndSavedWhenCleare
     box->click();
     window.close();
     EXPECT_EQ(ReadSetting("Join", "WriteTagsAndChapters"), "0");
-    EXPECT_FALSE(WriteTagsAndChaptersIntoJoins());
+    EXPECT_FALSE(Settings::JoinWritesTagsAndChapters());
 
     PreferencesWindow again(model);
     EXPECT_FALSE(child<QCheckBox>(again, "WriteTagsAndChapters")->isChecked());
@@ -136,7 +136,7 @@ TEST_F(PreferencesWindowTest, WriteTagsAndChapters_OnByDefaultAndSavedWhenCleare
     child<QCheckBox>(again, "WriteTagsAndChapters")->click();
     child<QPushButton>(again, "CloseButton")->click();
     EXPECT_EQ(ReadSetting("Join", "WriteTagsAndChapters"), "1");
-    EXPECT_TRUE(WriteTagsAndChaptersIntoJoins());
+    EXPECT_TRUE(Settings::JoinWritesTagsAndChapters());
 }
 
 TEST_F(PreferencesWindowTest, NoSettingsFile_DesignStateAndFirstCloseCreatesTheFile) {

@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "media/Mp3Fixer.h"
+#include "mpegaudio/Mp3Fixer.h"
 
 namespace {
 

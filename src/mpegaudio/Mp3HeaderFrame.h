@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/MpegFrameHeader.h"
+#include "mpegaudio/MpegFrameHeader.h"
 
 // The header frame that an encoder puts before the audio of an MP3 stream: a
 // frame of silence whose data holds a "Xing" (variable bit rate) or "Info"

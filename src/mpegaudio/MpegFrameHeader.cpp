@@ -1,4 +1,4 @@
-#include "media/MpegFrameHeader.h"
+#include "mpegaudio/MpegFrameHeader.h"
 
 namespace {
 

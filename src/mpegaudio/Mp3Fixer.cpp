@@ -1,4 +1,4 @@
-#include "media/Mp3Fixer.h"
+#include "mpegaudio/Mp3Fixer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,10 +15,10 @@
 #include <iterator>
 #include <memory>
 
-#include "media/Mp3FrameWalker.h"
-#include "media/Mp3HeaderFrame.h"
 #include "mpegaudio/JoinSources.h"
 #include "mpegaudio/JoinedTag.h"
+#include "mpegaudio/Mp3FrameWalker.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 #include "mpegaudio/TagBytes.h"
 
 namespace Mp3Fixer {

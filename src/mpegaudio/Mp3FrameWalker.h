@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/MpegFrameHeader.h"
+#include "mpegaudio/MpegFrameHeader.h"
 
 // Where the walker's bytes come from: a file, or memory in the tests.
 class Mp3ByteSource {

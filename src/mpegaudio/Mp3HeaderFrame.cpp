@@ -1,4 +1,4 @@
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 
 #include <cstring>
 

@@ -1,9 +1,9 @@
-#include "media/Mp3FrameWalker.h"
+#include "mpegaudio/Mp3FrameWalker.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "media/Mp3HeaderFrame.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
 
 namespace {
 

@@ -1,0 +1,88 @@
+#!/bin/sh
+# Structural rules of the source tree that a reader relies on, checked on the
+# files themselves:
+#
+#   check_structure.sh cells SOURCE_DIR
+#       no cell of the list read or written by a bare number outside
+#       src/list/Columns.h, the one table that names the columns;
+#   check_structure.sh settings SOURCE_DIR
+#       no Settings.ini section or key used outside src/app/Settings.cpp, and
+#       every section and key of data/DefaultSettings.ini named there;
+#   check_structure.sh platform SOURCE_DIR
+#       nothing under src/platform includes a header of src/app;
+#   check_structure.sh program SOURCE_DIR PROGRAM
+#       the program built from the tree holds no screenshot scene code.
+#
+# Each offending line is printed; the exit status is 1 when there is one.
+set -eu
+
+check=$1
+root=$2
+cd "$root"
+
+failed=0
+report() {
+    # $1: what is wrong; the offending lines come on standard input.
+    lines=$(cat)
+    if [ -n "$lines" ]; then
+        printf '%s\n%s\n' "$1" "$lines" >&2
+        failed=1
+    fi
+}
+
+sources() {
+    find src -name '*.cpp' -o -name '*.h' | sort
+}
+
+case $check in
+cells)
+    # A call of a cell routine whose last argument is a number, a cell array
+    # indexed by a number, a cell variable set to a number, or a column header
+    # or model index taken by number.
+    sources | grep -v '^src/list/Columns\.h$' | xargs grep -nE \
+        -e '\b[A-Za-z_]*[Cc]ell[A-Za-z_]*\s*\(([^()]|\([^()]*\))*,\s*[0-9]+\s*\)' \
+        -e '\b[A-Za-z_]*[Cc]ells?\s*\[\s*[0-9]+\s*\]' \
+        -e '\b[A-Za-z_]*[Cc]ell[A-Za-z_]*\s*=\s*[0-9]+\s*;' \
+        -e '\bitems\.header\(\s*[0-9]+\s*\)' \
+        -e '\bitems\.index\([^,]*,\s*[0-9]+\s*\)' \
+        | grep -vE '\bfor \(' \
+        | report "A list cell taken by number; name it in src/list/Columns.h:"
+    ;;
+settings)
+    sources | grep -vE '^src/app/(Settings|IniFile)\.(h|cpp)$' | xargs grep -nE \
+        '\b(ReadSetting|WriteSetting|ReadIniValue|WriteIniValue)\s*\(' \
+        | report "Settings.ini read or written outside src/app/Settings.cpp:"
+    # The section names as texts; the same words as object names of windows
+    # and controls are no settings.
+    # The file dialogs' folders have a section that the defaults do not fill.
+    sections=$( (sed -n 's/^\[\(.*\)\]\r\{0,1\}$/\1/p' data/DefaultSettings.ini; echo Commondialog) | sort -u)
+    for section in $sections; do
+        sources | grep -v '^src/app/Settings\.cpp$' | xargs grep -nE "\"$section\"" \
+            | grep -vE 'ObjectName|findChild' \
+            | report "The Settings.ini section \"$section\" named outside src/app/Settings.cpp:"
+    done
+    # Every section and key of the default settings is named in the module
+    # (numbered keys such as Tip1 by their stem).
+    keys=$(sed -n 's/^\([A-Za-z]*[A-Za-z]\)[0-9]*=.*/\1/p' data/DefaultSettings.ini | sort -u)
+    for name in $sections $keys; do
+        grep -q "\"$name\"" src/app/Settings.cpp ||
+            echo "$name" | report "A Settings.ini name that src/app/Settings.cpp does not name:"
+    done
+    ;;
+platform)
+    grep -rnE '#include\s+"app/' src/platform \
+        | report "src/platform includes a header of src/app; pass what it needs from the caller:"
+    ;;
+program)
+    program=$3
+    command -v nm >/dev/null 2>&1 || { echo "nm is missing" >&2; exit 1; }
+    [ -f "$program" ] || { echo "no program at $program" >&2; exit 1; }
+    nm -C "$program" | grep -iE 'screenshot|scene' \
+        | report "Screenshot code in $program:"
+    ;;
+*)
+    echo "unknown check: $check" >&2
+    exit 2
+    ;;
+esac
+exit $failed
