@@ -116,8 +116,10 @@ void RunLikeTheProgram() {
     benchmark::DoNotOptimize(once);
 }
 
-// What FillListItem asks of the media library for an MP3 row (a handle, the
-// options, the file, four values), for every step-th file from first on.
+// The media library alone giving the four values of an MP3 row's cells (a
+// handle, the options, the file, a template per value), for every step-th
+// file from first on. The program asks for these and the values of the row's
+// join check in one answer.
 void ReadWithMediaInfo(const std::vector<std::wstring>& names, std::size_t first,
                        std::size_t step) {
     const wchar_t* templates[] = {L"General;%PlayTime%", L"Audio;%BitRate%",

@@ -35,6 +35,15 @@ for f in mimetype-mp3.mp3 filetype-fixture.mp3 mimetype-mp3.v2.notag.mp3 \
     MEDIA="$MEDIA${MEDIA:+:}$WORK/music/Track $i - $f"
 done
 
+# For the marks: a mono file among the stereo ones, made with ffmpeg.
+MARKS_MEDIA=$MEDIA
+if command -v ffmpeg >/dev/null && [ -n "$MEDIA" ] &&
+    ffmpeg -nostdin -hide_banner -loglevel error -y -f lavfi \
+        -i sine=frequency=440:sample_rate=44100:duration=20 -ac 1 -c:a libmp3lame -b:a 64k \
+        "$WORK/music/Track 5 - mono.mp3"; then
+    MARKS_MEDIA="$MEDIA:$WORK/music/Track 5 - mono.mp3"
+fi
+
 # The virtual screen, and a scale factor for a picture of a high-DPI desktop.
 SCREEN=1024x768
 SCALE=""
@@ -67,6 +76,7 @@ shoot splash      splash.png       0 0
 shoot newlist     newlist.png      1 0
 shoot main        main-window.png  1 1 "$MEDIA"
 shoot contextmenu context-menu.png 1 1 "$MEDIA"
+shoot marks       row-marks.png    1 1 "$MARKS_MEDIA"
 # The main window at a scale factor of 2, and under a dark desktop palette.
 SCALE=2 SCREEN=2048x1536
 shoot main main-window-scale2.png 1 1 "$MEDIA"

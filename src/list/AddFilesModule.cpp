@@ -30,7 +30,7 @@ void addFileRow(MainModel& model, const QString& path) {
     FillListItem(model, 0);
 }
 
-// The same with the cells that the loop's read-ahead read for the file at
+// The same with what the loop's read-ahead read for the file at
 // index. They were read for the path and list type the loop began with; when
 // an event turn changed either since (the list laid out anew for the other
 // type, or the file enumerator set to another folder by a second adding),
@@ -38,9 +38,9 @@ void addFileRow(MainModel& model, const QString& path) {
 void addFileRow(MainModel& model, ReadAhead& files, int index, const QString& path) {
     const int row = model.items.addRow();
     model.items.setCell(row, SharedCell::Filepath, path);
-    ItemCellTexts cells = files.take(index);
+    const ItemReading reading = files.takeReading(index);
     if (files.path(index) == path && files.listType() == model.state.listType()) {
-        FillListItemWith(model, 0, cells);
+        FillListItemWith(model, 0, reading);
     } else {
         FillListItem(model, 0);
     }

@@ -19,15 +19,16 @@ void FillListItem(MainModel& model, int row) {
     if (row == 0) {
         return;
     }
-    FillListItemWith(
-        model, row, ItemCells(model.items.cell(row, SharedCell::Filepath), model.state.listType()));
+    FillListItemWith(model, row,
+                     ReadItem(model.items.cell(row, SharedCell::Filepath), model.state.listType()));
 }
 
-void FillListItemWith(MainModel& model, int row, const ItemCellTexts& cells) {
+void FillListItemWith(MainModel& model, int row, const ItemReading& reading) {
     row = rowToFill(model, row);
     if (row == 0) {
         return;
     }
     // A cell beyond the list's columns is refused by the list and skipped.
-    model.items.setCells(row, cells);
+    model.items.setCells(row, reading.cells);
+    model.items.setJoinTraits(row, reading.traits);
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "list/Columns.h"
+
 ItemList::ItemList(QObject* parent) : QAbstractTableModel(parent) {}
 
 void ItemList::clearColumns() {
@@ -35,7 +37,10 @@ int ItemList::insertRow(int position, const QString& text) {
     position = std::clamp(position, 1, count() + 1);
     beginInsertRows(QModelIndex(), position - 1, position - 1);
     rows_.insert(position - 1, QStringList{text});
+    joins_.insert(position - 1, newRowJoin());
+    rowsMoved();
     endInsertRows();
+    recheckIfFirstChanged();
     return position;
 }
 
@@ -44,12 +49,18 @@ void ItemList::appendRows(QList<QStringList> rows) {
         return;
     }
     beginInsertRows(QModelIndex(), count(), count() + static_cast<int>(rows.size()) - 1);
+    joins_.reserve(joins_.size() + rows.size());
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        joins_.append(newRowJoin());
+    }
     if (rows_.isEmpty()) {
         rows_ = std::move(rows);
     } else {
         rows_.append(std::move(rows));
     }
+    rowsMoved();
     endInsertRows();
+    recheckIfFirstChanged();
 }
 
 bool ItemList::removeRow(int position) {
@@ -58,7 +69,10 @@ bool ItemList::removeRow(int position) {
     }
     beginRemoveRows(QModelIndex(), position - 1, position - 1);
     rows_.removeAt(position - 1);
+    joins_.removeAt(position - 1);
+    rowsMoved();
     endRemoveRows();
+    recheckIfFirstChanged();
     return true;
 }
 
@@ -92,27 +106,40 @@ int ItemList::removeRowsExcept(const QList<bool>& keep) {
         for (auto it = ranges.crbegin(); it != ranges.crend(); ++it) {
             beginRemoveRows(QModelIndex(), it->first, it->second);
             rows_.remove(it->first, it->second - it->first + 1);
+            joins_.remove(it->first, it->second - it->first + 1);
+            rowsMoved();
             endRemoveRows();
         }
+        recheckIfFirstChanged();
         return removed;
     }
     beginResetModel();
     QList<QStringList> next;
+    QList<RowJoin> nextJoins;
     next.reserve(rows_.size() - removed);
+    nextJoins.reserve(rows_.size() - removed);
     for (int i = 0; i < count(); ++i) {
         if (keep.at(i)) {
             next.append(std::move(rows_[i]));
+            nextJoins.append(std::move(joins_[i]));
         }
     }
     rows_ = std::move(next);
+    joins_ = std::move(nextJoins);
+    rowsMoved();
     endResetModel();
+    recheckIfFirstChanged();
     return removed;
 }
 
 void ItemList::clearRows() {
     beginResetModel();
     rows_.clear();
+    joins_.clear();
+    rowsMoved();
+    checkedAgainst_.reset();
     endResetModel();
+    emit rowsCleared();
 }
 
 QString ItemList::cell(int position, int cell) const {
@@ -186,11 +213,16 @@ void ItemList::reorder(const QList<int>& order) {
     }
     emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     QList<QStringList> next;
+    QList<RowJoin> nextJoins;
     next.reserve(order.size());
+    nextJoins.reserve(order.size());
     for (int old : order) {
         next.append(std::move(rows_[old - 1]));
+        nextJoins.append(std::move(joins_[old - 1]));
     }
     rows_ = std::move(next);
+    joins_ = std::move(nextJoins);
+    rowsMoved();
     // The view's selection and current row go with their rows.
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
@@ -200,6 +232,7 @@ void ItemList::reorder(const QList<int>& order) {
     }
     changePersistentIndexList(before, after);
     emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    recheckIfFirstChanged();
 }
 
 int ItemList::rowCount(const QModelIndex& parent) const {
@@ -211,7 +244,19 @@ int ItemList::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant ItemList::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) {
+    if (!index.isValid() || index.row() >= count()) {
+        return {};
+    }
+    const RowCheck& check = joins_.at(index.row()).check;
+    const bool inMarkColumn = index.column() == SharedCell::Filename;
+    const bool marked = inMarkColumn && check.mark != RowCheck::Mark::None;
+    if (role == RowMarkRole) {
+        return inMarkColumn ? static_cast<int>(check.mark) : 0;
+    }
+    if (role == Qt::ToolTipRole && marked) {
+        return check.reason;
+    }
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) {
         return {};
     }
     return cell(index.row() + 1, index.column());
@@ -223,4 +268,113 @@ QVariant ItemList::headerData(int section, Qt::Orientation orientation, int role
         return QAbstractTableModel::headerData(section, orientation, role);
     }
     return columns_.at(section).text;
+}
+
+ItemList::RowJoin ItemList::newRowJoin() {
+    RowJoin join;
+    join.id = nextRowId_++;
+    return join;
+}
+
+void ItemList::rowsMoved() {
+    positionsKnown_ = false;
+}
+
+void ItemList::setJoinTraits(int position, std::shared_ptr<const JoinTraits> traits) {
+    if (position < 1 || position > count()) {
+        return;
+    }
+    joins_[position - 1].traits = std::move(traits);
+    if (position == 1) {
+        recheckAll();
+        return;
+    }
+    const RowJoin& join = joins_.at(position - 1);
+    if (setCheck(position, checkedAgainst_ && join.traits
+                               ? CheckAgainstFirst(*checkedAgainst_, *join.traits)
+                               : RowCheck{})) {
+        marksChanged(position, position);
+    }
+}
+
+std::shared_ptr<const JoinTraits> ItemList::joinTraits(int position) const {
+    if (position < 1 || position > count()) {
+        return {};
+    }
+    return joins_.at(position - 1).traits;
+}
+
+RowCheck ItemList::rowCheck(int position) const {
+    if (position < 1 || position > count()) {
+        return {};
+    }
+    return joins_.at(position - 1).check;
+}
+
+quint64 ItemList::rowId(int position) const {
+    if (position < 1 || position > count()) {
+        return 0;
+    }
+    return joins_.at(position - 1).id;
+}
+
+int ItemList::positionOfRow(quint64 id) const {
+    if (!positionsKnown_) {
+        positionOfId_.clear();
+        positionOfId_.reserve(joins_.size());
+        for (int i = 0; i < count(); ++i) {
+            positionOfId_.insert(joins_.at(i).id, i + 1);
+        }
+        positionsKnown_ = true;
+    }
+    return positionOfId_.value(id, 0);
+}
+
+QList<int> ItemList::markedRows() const {
+    QList<int> marked;
+    for (int i = 0; i < count(); ++i) {
+        if (joins_.at(i).check.mark != RowCheck::Mark::None) {
+            marked.append(i + 1);
+        }
+    }
+    return marked;
+}
+
+bool ItemList::setCheck(int position, const RowCheck& check) {
+    RowCheck& present = joins_[position - 1].check;
+    if (present == check) {
+        return false;
+    }
+    present = check;
+    return true;
+}
+
+void ItemList::marksChanged(int first, int last) {
+    if (first >= 1) {
+        emit dataChanged(index(first - 1, SharedCell::Filename),
+                         index(last - 1, SharedCell::Filename), {RowMarkRole, Qt::ToolTipRole});
+    }
+}
+
+void ItemList::recheckIfFirstChanged() {
+    const std::shared_ptr<const JoinTraits> first = joinTraits(1);
+    if (first != checkedAgainst_) {
+        recheckAll();
+    }
+}
+
+void ItemList::recheckAll() {
+    checkedAgainst_ = joinTraits(1);
+    int firstChanged = 0;
+    int lastChanged = 0;
+    for (int position = 1; position <= count(); ++position) {
+        const std::shared_ptr<const JoinTraits>& traits = joins_.at(position - 1).traits;
+        const bool compared = position > 1 && checkedAgainst_ && traits;
+        if (setCheck(position,
+                     compared ? CheckAgainstFirst(*checkedAgainst_, *traits) : RowCheck{})) {
+            firstChanged = firstChanged == 0 ? position : firstChanged;
+            lastChanged = position;
+        }
+    }
+    marksChanged(firstChanged, lastChanged);
 }

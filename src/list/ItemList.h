@@ -1,12 +1,17 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
 #include <QVariant>
+#include <memory>
 #include <optional>
+
+#include "media/JoinCheck.h"
+#include "media/JoinTraits.h"
 
 // The one list of the program: ordered rows of text cells (the join order),
 // with the column headers beside them. Row positions count from 1. Cell 0 is
@@ -16,10 +21,17 @@
 //
 // The list is also the Qt item model of the view: it hands out only the cells
 // the view asks for, so a list of 100,000 rows shows at once.
+//
+// Each row also carries its join check: the traits of its file as the adding
+// read them, and how they compare with the first row's (RowCheck). The checks
+// are worked out again whenever another row comes first, and the view shows
+// them in the first column (RowMarkRole, and the tool tip).
 class ItemList : public QAbstractTableModel {
     Q_OBJECT
 public:
     static constexpr int kDefaultColumnWidth = 1440;  // twips: one inch
+    // The row's mark for the first column: an int of RowCheck::Mark.
+    static constexpr int RowMarkRole = Qt::UserRole + 1;
 
     struct Column {
         QString text;
@@ -67,6 +79,20 @@ public:
     // the row that comes at position i + 1.
     void reorder(const QList<int>& order);
 
+    // The join check. A row without traits (not read yet, or made from a list
+    // file's text) is not compared, and a first row without them leaves
+    // every row unmarked.
+    void setJoinTraits(int position, std::shared_ptr<const JoinTraits> traits);
+    std::shared_ptr<const JoinTraits> joinTraits(int position) const;
+    RowCheck rowCheck(int position) const;
+    // Each row has an id of its own for as long as it is in the list (a row
+    // built anew has a new one); 0 for no row.
+    quint64 rowId(int position) const;
+    // The position of the row with that id; 0 when it is gone.
+    int positionOfRow(quint64 id) const;
+    // The positions of the rows that carry a mark, first to last.
+    QList<int> markedRows() const;
+
     // QAbstractTableModel
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -74,7 +100,33 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
+signals:
+    // All rows went (clearRows): what was begun for them has no list any more.
+    void rowsCleared();
+
 private:
+    // What a row carries beside its cells.
+    struct RowJoin {
+        quint64 id = 0;
+        std::shared_ptr<const JoinTraits> traits;
+        RowCheck check;
+    };
+    RowJoin newRowJoin();
+    // True when the row's check changed.
+    bool setCheck(int position, const RowCheck& check);
+    // Tells the view that the marks of rows first to last changed.
+    void marksChanged(int first, int last);
+    // After rows came, went or moved: the checks again if another row is first.
+    void recheckIfFirstChanged();
+    void recheckAll();
+    void rowsMoved();
+
     QList<Column> columns_;
     QList<QStringList> rows_;
+    QList<RowJoin> joins_;  // one per row, in the order of rows_
+    // The traits of the first row when the checks were last worked out.
+    std::shared_ptr<const JoinTraits> checkedAgainst_;
+    quint64 nextRowId_ = 1;
+    mutable QHash<quint64, int> positionOfId_;
+    mutable bool positionsKnown_ = false;
 };

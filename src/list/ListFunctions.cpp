@@ -197,6 +197,9 @@ bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& p
             rows.append(std::move(cells));
         }
         model.items.appendRows(std::move(rows));
+        // The open reads no file: the rows are checked in the background,
+        // once the list is shown.
+        model.listCheck.start(model.state.listType());
     }
     model.state.setWindowTitle(ListWindowTitle(path));
     model.state.setListFileName(path);

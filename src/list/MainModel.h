@@ -1,6 +1,7 @@
 #pragma once
 
 #include "list/ItemList.h"
+#include "list/ListCheck.h"
 #include "list/ListState.h"
 #include "platform/Questions.h"
 
@@ -15,6 +16,8 @@ struct MainModel {
 
     ItemList items;
     ListState state;
+    // The background check of a list opened from a list file.
+    ListCheck listCheck{items};
     CommonDialog commonDialog;
     Questions& questions;
     Clipboard& clipboard;

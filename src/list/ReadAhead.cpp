@@ -21,13 +21,13 @@ enum class ReadState { Waiting, Running, Done };
 
 // What the taker and the workers share; the workers' tasks hold it alive.
 struct ReadAhead::Shared {
-    Reader reader;
+    ItemReader reader;
     QString listType;
     QStringList paths;
     std::mutex mutex;
     std::condition_variable doneOne;
     std::vector<ReadState> states;
-    std::vector<std::optional<ItemCellTexts>> cells;
+    std::vector<std::optional<ItemReading>> readings;
     QThreadPool pool;
 
     // Claims the read at index for the caller; false when it was begun already.
@@ -40,10 +40,10 @@ struct ReadAhead::Shared {
         return true;
     }
 
-    void store(int index, ItemCellTexts texts) {
+    void store(int index, ItemReading reading) {
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            cells[index] = std::move(texts);
+            readings[index] = std::move(reading);
             states[index] = ReadState::Done;
         }
         doneOne.notify_all();
@@ -51,6 +51,15 @@ struct ReadAhead::Shared {
 };
 
 ReadAhead::ReadAhead(QStringList paths, QString listType, Reader reader, int workers,
+                     int aheadLimit)
+    : ReadAhead(
+          std::move(paths), std::move(listType),
+          [reader = std::move(reader)](const QString& path, const QString& listType) {
+              return ItemReading{reader(path, listType), nullptr};
+          },
+          workers, aheadLimit) {}
+
+ReadAhead::ReadAhead(QStringList paths, QString listType, ItemReader reader, int workers,
                      int aheadLimit)
     : paths_(std::move(paths)),
       listType_(std::move(listType)),
@@ -64,7 +73,7 @@ ReadAhead::ReadAhead(QStringList paths, QString listType, Reader reader, int wor
     shared_->listType = listType_;
     shared_->paths = paths_;
     shared_->states.assign(paths_.size(), ReadState::Waiting);
-    shared_->cells.resize(paths_.size());
+    shared_->readings.resize(paths_.size());
     if (workers_ == kOnePerCore) {
         workers_ = std::max(1, QThread::idealThreadCount());
     }
@@ -90,14 +99,14 @@ void ReadAhead::scheduleUpTo(int index) {
                 return;
             }
             ++runningOnWorkers;
-            ItemCellTexts texts = shared->reader(shared->paths.at(at), shared->listType);
-            shared->store(at, std::move(texts));
+            ItemReading reading = shared->reader(shared->paths.at(at), shared->listType);
+            shared->store(at, std::move(reading));
             --runningOnWorkers;
         });
     }
 }
 
-ItemCellTexts ReadAhead::take(int index) {
+ItemReading ReadAhead::takeReading(int index) {
     if (index < 0 || index >= count()) {
         return {};
     }
@@ -108,9 +117,9 @@ ItemCellTexts ReadAhead::take(int index) {
     }
     std::unique_lock<std::mutex> lock(shared.mutex);
     shared.doneOne.wait(lock, [&] { return shared.states[index] == ReadState::Done; });
-    ItemCellTexts texts = std::move(*shared.cells[index]);
-    shared.cells[index].reset();
-    return texts;
+    ItemReading reading = std::move(*shared.readings[index]);
+    shared.readings[index].reset();
+    return reading;
 }
 
 void ReadAhead::setWorkers(int workers) {

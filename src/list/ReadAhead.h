@@ -20,14 +20,18 @@
 // running.
 class ReadAhead {
 public:
+    using ItemReader = std::function<ItemReading(const QString& path, const QString& listType)>;
+    // A reader of the cells alone (the rows get no join traits).
     using Reader = std::function<ItemCellTexts(const QString& path, const QString& listType)>;
 
     static constexpr int kOnePerCore = -1;
 
     // workers kOnePerCore: the number set by setWorkers (one per core unless
     // set otherwise); 0: no workers, the taker reads every file itself.
-    ReadAhead(QStringList paths, QString listType, Reader reader = ItemCells,
+    ReadAhead(QStringList paths, QString listType, ItemReader reader = ReadItem,
               int workers = kOnePerCore, int aheadLimit = 16);
+    ReadAhead(QStringList paths, QString listType, Reader reader, int workers = kOnePerCore,
+              int aheadLimit = 16);
     ~ReadAhead();
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
@@ -36,9 +40,11 @@ public:
     int count() const { return static_cast<int>(paths_.size()); }
     const QString& path(int index) const { return paths_.at(index); }
 
-    // The cells of the path at index (from 0), waiting for its read if a
+    // What was read of the path at index (from 0), waiting for its read if a
     // worker is at it. Each index is taken once, in rising order.
-    ItemCellTexts take(int index);
+    ItemReading takeReading(int index);
+    // The cells alone.
+    ItemCellTexts take(int index) { return takeReading(index).cells; }
 
     // The reads running on workers of any read-ahead of the process now.
     static int runningReads();

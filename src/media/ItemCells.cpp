@@ -101,10 +101,80 @@ QString VideoDurationCell(const QString& playTimeMs) {
     return PlainNumber(std::trunc(static_cast<double>(ms) / 1000.0)) + QStringLiteral(" seconds");
 }
 
+namespace {
+
+// The fields asked of the media library, in the order of the enums below.
+const QString kGeneral = QStringLiteral("General");
+const QString kAudio = QStringLiteral("Audio");
+const QString kVideo = QStringLiteral("Video");
+
+enum GeneralField { PlayTime, GeneralFormat };
+enum AudioField { BitRate, SamplingRate, Channels, AudioFormat, AudioVersion, AudioLayer };
+enum VideoField { Codec, Width, Height, VideoFormat, VideoVersion, FrameRate, AspectRatio };
+
+const QList<std::pair<QString, QStringList>>& askedFields() {
+    static const QList<std::pair<QString, QStringList>> asked = {
+        {kGeneral, {QStringLiteral("PlayTime"), QStringLiteral("Format")}},
+        {kAudio,
+         {QStringLiteral("BitRate"), QStringLiteral("SamplingRate"), QStringLiteral("Channel(s)"),
+          QStringLiteral("Format"), QStringLiteral("Format_Version"),
+          QStringLiteral("Format_Profile")}},
+        {kVideo,
+         {QStringLiteral("Codec"), QStringLiteral("Width"), QStringLiteral("Height"),
+          QStringLiteral("Format"), QStringLiteral("Format_Version"), QStringLiteral("FrameRate"),
+          QStringLiteral("DisplayAspectRatio/String")}}};
+    return asked;
+}
+
+JoinTraits::Access accessOf(const QFileInfo& info, bool isThere) {
+    if (!isThere) {
+        return JoinTraits::Access::Missing;
+    }
+    return info.isFile() && info.isReadable() ? JoinTraits::Access::Readable
+                                              : JoinTraits::Access::Unreadable;
+}
+
+// The traits of the file from the library's records.
+std::shared_ptr<JoinTraits> traitsOf(const MediaInfoFile::Records& records, bool mp3,
+                                     JoinTraits::Access access) {
+    auto traits = std::make_shared<JoinTraits>();
+    traits->kind = mp3 ? JoinTraits::Kind::Mp3 : JoinTraits::Kind::Mpeg;
+    traits->access = access;
+    const QStringList general = records.value(kGeneral).value(0);
+    traits->containerFormat = general.value(GeneralFormat);
+    traits->container = ContainerOfFormat(traits->containerFormat);
+    for (const QStringList& stream : records.value(kAudio)) {
+        AudioTraits audio;
+        audio.format = stream.value(AudioFormat);
+        audio.version = stream.value(AudioVersion);
+        audio.layer = stream.value(AudioLayer);
+        audio.rate = WholeNumberAtStart(stream.value(SamplingRate));
+        audio.channels = WholeNumberAtStart(stream.value(Channels));
+        traits->audio.append(audio);
+    }
+    const QList<QStringList> videos = records.value(kVideo);
+    if (!videos.isEmpty()) {
+        const QStringList& video = videos.first();
+        traits->videoCodec = VideoCodecText(video.value(VideoFormat), video.value(VideoVersion));
+        traits->width = WholeNumberAtStart(video.value(Width));
+        traits->height = WholeNumberAtStart(video.value(Height));
+        traits->frameRate = NumberFromText(video.value(FrameRate)).value_or(0);
+        traits->aspectRatio = video.value(AspectRatio);
+    }
+    return traits;
+}
+
+}  // namespace
+
 ItemCellTexts ItemCells(const QString& path, const QString& listType) {
+    return ReadItem(path, listType).cells;
+}
+
+ItemReading ReadItem(const QString& path, const QString& listType) {
     const bool mp3 = listType == QLatin1String("MP3");
-    const int count = mp3 ? int{Mp3Cell::Count} : int{MpegCell::Count};
-    ItemCellTexts cells(count);
+    ItemReading reading;
+    ItemCellTexts& cells = reading.cells;
+    cells.resize(mp3 ? int{Mp3Cell::Count} : int{MpegCell::Count});
 
     cells[SharedCell::Filename] = GetFileNameFromPath(path);
     const QFileInfo info(path);
@@ -133,20 +203,26 @@ ItemCellTexts ItemCells(const QString& path, const QString& listType) {
             cells[Mp3Cell::Year] = tag->year;
             cells[Mp3Cell::Genre] = tag->genre;
         }
-        MediaInfoFile media(path);
-        cells[Mp3Cell::Duration] =
-            DurationCellFromPlayTime(media.inform(QStringLiteral("General;%PlayTime%")));
-        cells[Mp3Cell::Bitrate] = BitrateCell(media.inform(QStringLiteral("Audio;%BitRate%")));
-        const QString rate = media.inform(QStringLiteral("Audio;%SamplingRate%"));
-        cells[Mp3Cell::Hertz] = HertzCell(rate, media.inform(QStringLiteral("Audio;%Channel(s)%")));
-    } else {
-        MediaInfoFile media(path);
-        cells[MpegCell::VideoCodec] = media.inform(QStringLiteral("Video;%Codec%"));
-        const QString width = media.inform(QStringLiteral("Video;%Width%"));
-        cells[MpegCell::VideoSize] =
-            VideoSizeCell(width, media.inform(QStringLiteral("Video;%Height%")));
-        cells[MpegCell::Duration] =
-            VideoDurationCell(media.inform(QStringLiteral("General;%PlayTime%")));
     }
-    return cells;
+    // One answer of the library holds every value of both the cells and the
+    // traits; each cell is made of the values of its field over all streams,
+    // as the field's own template gives them.
+    MediaInfoFile media(path);
+    const MediaInfoFile::Records records = media.informRecords(askedFields());
+    const QList<QStringList> general = records.value(kGeneral);
+    const QList<QStringList> audio = records.value(kAudio);
+    const QList<QStringList> video = records.value(kVideo);
+    if (mp3) {
+        cells[Mp3Cell::Duration] = DurationCellFromPlayTime(JoinedField(general, PlayTime));
+        cells[Mp3Cell::Bitrate] = BitrateCell(JoinedField(audio, BitRate));
+        cells[Mp3Cell::Hertz] =
+            HertzCell(JoinedField(audio, SamplingRate), JoinedField(audio, Channels));
+    } else {
+        cells[MpegCell::VideoCodec] = JoinedField(video, Codec);
+        cells[MpegCell::VideoSize] =
+            VideoSizeCell(JoinedField(video, Width), JoinedField(video, Height));
+        cells[MpegCell::Duration] = VideoDurationCell(JoinedField(general, PlayTime));
+    }
+    reading.traits = traitsOf(records, mp3, accessOf(info, isThere));
+    return reading;
 }

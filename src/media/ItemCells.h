@@ -3,7 +3,10 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <memory>
 #include <optional>
+
+#include "media/JoinTraits.h"
 
 // The texts of one list row for a file, cell by cell: entry i is the text of
 // cell i, as list/Columns.h names them. An MP3 list has the cells of the MP3
@@ -16,6 +19,16 @@
 using ItemCellTexts = QList<std::optional<QString>>;
 
 ItemCellTexts ItemCells(const QString& path, const QString& listType);
+
+// All that reading a file for a row gives: its cells, and the traits that
+// decide how it joins with the other files of the list, both from the one
+// look into the file (the frame reader and one answer of the media library).
+struct ItemReading {
+    ItemCellTexts cells;
+    std::shared_ptr<const JoinTraits> traits;
+};
+
+ItemReading ReadItem(const QString& path, const QString& listType);
 
 // The size cell: bytes / 1024, rounded, thousands grouped in the default
 // locale, + " KB"; anything that rounds to 0 (under 512 bytes) reads "1 KB".

@@ -37,6 +37,49 @@ MediaInfoFile::~MediaInfoFile() {
     }
 }
 
+namespace {
+// Marks that no value of the library holds: one before each stream's record
+// (with the kind behind it) and one before each field.
+constexpr QChar kRecordMark(0x1E);
+constexpr QChar kFieldMark(0x1F);
+}  // namespace
+
+MediaInfoFile::Records MediaInfoFile::informRecords(
+    const QList<std::pair<QString, QStringList>>& asked) {
+    // One template for everything: a line per kind, each stream of the kind
+    // answering with its own record.
+    QStringList lines;
+    for (const auto& [kind, fields] : asked) {
+        QString line = kind + u';' + kRecordMark + kind;
+        for (const QString& field : fields) {
+            line += kFieldMark;
+            line += u'%';
+            line += field;
+            line += u'%';
+        }
+        lines.append(line);
+    }
+    const QString answer = inform(lines.join(u'\n'));
+    Records records;
+    for (const QStringView record : QStringView(answer).split(kRecordMark, Qt::SkipEmptyParts)) {
+        const QList<QStringView> parts = record.split(kFieldMark);
+        QStringList values;
+        for (qsizetype i = 1; i < parts.size(); ++i) {
+            values.append(parts.at(i).toString());
+        }
+        records[parts.first().toString()].append(values);
+    }
+    return records;
+}
+
+QString JoinedField(const QList<QStringList>& records, int field) {
+    QString text;
+    for (const QStringList& record : records) {
+        text += record.value(field);
+    }
+    return text;
+}
+
 QString MediaInfoFile::inform(const QString& templateText) {
     if (handle_ == nullptr) {
         return {};

@@ -6,10 +6,12 @@
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
 #include <QUrl>
+#include <algorithm>
 
 #include "list/ItemList.h"
 #include "platform/EventTurn.h"
 #include "ui/ListHeaderView.h"
+#include "ui/Pictures.h"
 #include "ui/Twips.h"
 
 namespace {
@@ -17,7 +19,9 @@ namespace {
 constexpr int kLayoutIntervalMs = 40;
 
 // Shows a cell's text up to its first character 0, as a native list view
-// does: an empty tag field read from a file is 30 such characters.
+// does: an empty tag field read from a file is 30 such characters. A row that
+// will not join cleanly with the first shows its mark, the orange or the red
+// status picture, before its file name.
 class CellTextDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -25,6 +29,22 @@ public:
         const QString text = QStyledItemDelegate::displayText(value, locale);
         const qsizetype end = text.indexOf(QChar(0));
         return end < 0 ? text : text.left(end);
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto mark = static_cast<RowCheck::Mark>(index.data(ItemList::RowMarkRole).toInt());
+        if (mark == RowCheck::Mark::None) {
+            return;
+        }
+        const int side = std::max(8, option->fontMetrics.height() - 3);
+        const QSize size(side, side);
+        const ListState::Picture picture =
+            mark == RowCheck::Mark::Orange ? ListState::Picture::Orange : ListState::Picture::Red;
+        option->features |= QStyleOptionViewItem::HasDecoration;
+        option->icon = QIcon(Pictures::forState(picture, size));
+        option->decorationSize = size;
     }
 };
 }  // namespace

@@ -10,6 +10,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
+#include <QToolTip>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -140,6 +141,46 @@ QHash<QString, Scene> Scenes() {
             const QRect cell =
                 view->visualRect(window.model().items.index(row, SharedCell::Filename));
             window.showContextMenu(view->viewport()->mapToGlobal(cell.center()));
+        });
+    });
+    // A list with rows that will not join cleanly, the tool tip of the first
+    // red mark shown (of the last mark when none is red).
+    scenes.insert(QStringLiteral("marks"), [](AppLauncher& launcher, const QString& file) {
+        After(600, [&launcher, file] {
+            MainWindow& window = *launcher.mainWindow();
+            DropMedia(window);
+            After(400, [&window, file] {
+                const ItemList& items = window.model().items;
+                const QList<int> marked = items.markedRows();
+                if (marked.isEmpty()) {
+                    std::_Exit(4);
+                }
+                int row = marked.last();
+                for (int position : marked) {
+                    if (items.rowCheck(position).mark == RowCheck::Mark::Red) {
+                        row = position;
+                        break;
+                    }
+                }
+                ListViewControl* view = window.listView();
+                const QModelIndex name = items.index(row - 1, SharedCell::Filename);
+                // The tip stands below the last row, so that no mark is hidden.
+                const QRect cell = view->visualRect(name);
+                const QRect last =
+                    view->visualRect(items.index(items.count() - 1, SharedCell::Filename));
+                QToolTip::showText(
+                    view->viewport()->mapToGlobal(QPoint(cell.center().x(), last.bottom())),
+                    name.data(Qt::ToolTipRole).toString(), view->viewport());
+                After(600, [&window, file] {
+                    QRect area = window.frameGeometry();
+                    for (QWidget* top : QApplication::topLevelWidgets()) {
+                        if (top->isVisible() && top->inherits("QTipLabel")) {
+                            area = area.united(top->frameGeometry());
+                        }
+                    }
+                    SaveAndEnd(area, file);
+                });
+            });
         });
     });
     return scenes;

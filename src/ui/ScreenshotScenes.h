@@ -8,5 +8,5 @@ class AppLauncher;
 // around it and ends. VELMORA_SCREENSHOT_MEDIA may list files (separated by
 // ':') that are dropped on the list first. Without these variables nothing
 // changes. Known scenes: splash, newlist, main, maindark (a dark
-// palette), contextmenu.
+// palette), contextmenu, marks (rows marked, a mark's tool tip shown).
 void PrepareScreenshotScene(AppLauncher& launcher);
