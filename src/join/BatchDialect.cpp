@@ -52,10 +52,9 @@ QStringList BatchDialect::mp3FixLines(const Mp3Fix& fix) const {
             dq(fix.tempFile) + u' ' + dq(fix.outputFile)};
 }
 
-QString BatchDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
-                                   const QString& outputFile) const {
-    return dq(tool) + QStringLiteral(" -i ") + dq(tempFile) + QStringLiteral(" -sameq -y ") +
-           dq(outputFile);
+QString BatchDialect::mpeg2FixLine(const MpegRemake& remake) const {
+    return dq(remake.tool) + QStringLiteral(" -i ") + dq(remake.tempFile) +
+           QStringLiteral(" -sameq -y ") + dq(remake.outputFile);
 }
 
 // The MPEG-1 joiner writes TempFile whole; the run only renames it.
@@ -63,9 +62,14 @@ bool BatchDialect::remakesMpeg1() const {
     return false;
 }
 
-QString BatchDialect::mpeg1FixLine(const QString& /*tool*/, const QString& /*tempFile*/,
-                                   const QString& /*outputFile*/) const {
+QString BatchDialect::mpeg1FixLine(const MpegRemake& /*remake*/) const {
     return {};
+}
+
+// The command processor's lines stay as they are written: the run learns of
+// a failed step only from what it checks itself.
+QString BatchDialect::checkedStep(const QString& command, const StepCheck& /*check*/) const {
+    return command;
 }
 
 QString BatchDialect::deleteFileLine(const QString& path) const {

@@ -10,7 +10,7 @@
 #include "list/MainModel.h"
 #include "platform/Shell.h"
 
-void FinishWizard(const MainModel& model, JoinWizardState& state, bool cancelled) {
+void FinishWizard(const MainModel& model, JoinWizardState& state, JoinEnd end) {
     state.setTimerEnabled(false);
     if (!LogPath().isEmpty()) {
         LogEvent(QStringLiteral("Operation2 Size=") + state.writtenSizeText(), 4);
@@ -20,24 +20,34 @@ void FinishWizard(const MainModel& model, JoinWizardState& state, bool cancelled
     state.setElapsedTimerEnabled(false);
     state.setElapsedTimeCaption(QStringLiteral("Time taken:"));
 
-    if (!cancelled) {
-        const QFileInfo output(OutputFilePath(model));
-        if (!output.exists() || !output.isFile()) {
-            // Nothing to measure: the rest does not happen, and the window
-            // keeps "&Cancel", whose clean-up then shows the cancelled state.
-            return;
+    switch (end) {
+        case JoinEnd::Finished: {
+            const QFileInfo output(OutputFilePath(model));
+            if (!output.exists() || !output.isFile()) {
+                // Nothing to measure: the rest does not happen, and the window
+                // keeps "&Cancel", whose clean-up then shows the cancelled state.
+                return;
+            }
+            // No "0 KB" here: an output under half a KB shows " KB" alone.
+            state.setWrittenSizeText(FormatThousands(static_cast<double>(output.size()) / 1024.0) +
+                                     QStringLiteral(" KB"));
+            state.setOperationText(QStringLiteral("Finished!"));
+            state.setProgressValue(state.progressMax());
+            break;
         }
-        // No "0 KB" here: an output under half a KB shows " KB" alone.
-        state.setWrittenSizeText(FormatThousands(static_cast<double>(output.size()) / 1024.0) +
-                                 QStringLiteral(" KB"));
-    } else {
-        state.setWrittenSizeText(QStringLiteral("[Cancelled]"));
+        case JoinEnd::Cancelled:
+            state.setWrittenSizeText(QStringLiteral("[Cancelled]"));
+            state.setOperationText(QStringLiteral("Cancelled!"));
+            state.setProgressValue(state.progressMax());
+            break;
+        case JoinEnd::Failed:
+            state.setWrittenSizeText(QStringLiteral("[Failed]"));
+            state.setOperationText(QStringLiteral("Failed!"));
+            break;
     }
-    state.setOperationText(cancelled ? QStringLiteral("Cancelled!") : QStringLiteral("Finished!"));
-    state.setProgressValue(state.progressMax());
     state.setCancelButtonCaption(QStringLiteral("&Close"));
     state.setCancelButtonEnabled(true);
-    state.setOptionsButtonEnabled(!cancelled);
+    state.setOptionsButtonEnabled(end == JoinEnd::Finished);
 }
 
 void LaunchOutputFile(const MainModel& model) {

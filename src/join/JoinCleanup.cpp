@@ -56,6 +56,11 @@ void DeleteToolsFromAppData() {
     }
 }
 
+void DeleteStepRecords() {
+    deleteIfPresent(JoinNames::kFailureRecord);
+    deleteIfPresent(JoinNames::kStepErrorLog);
+}
+
 bool JoinOutputRemains(const QString& outputFile) {
     return plainFileAt(outputFile) || plainFileAt(outputFile + QStringLiteral(".vlr.mp3")) ||
            plainFileAt(outputFile + QStringLiteral(".vlr.mpg"));

@@ -25,6 +25,10 @@ void KillToolsInAppData();
 // pthreadGC2.dll, MPEG2.exe, in this order) and the MP3 fixer's scratch folder.
 void DeleteToolsFromAppData();
 
+// Deletes what the steps of the scripts leave for the run (the failure record
+// and the error log of the last step).
+void DeleteStepRecords();
+
 // True while a file lies at OutputFile, OutputFile + ".vlr.mp3" or OutputFile
 // + ".vlr.mpg".
 bool JoinOutputRemains(const QString& outputFile);

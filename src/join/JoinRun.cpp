@@ -15,6 +15,7 @@
 #include "join/JoinProgress.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
+#include "join/RemakeStreams.h"
 #include "list/MainModel.h"
 #include "platform/DetachedLaunch.h"
 #include "platform/EventTurn.h"
@@ -26,6 +27,12 @@ namespace {
 
 const QString kOperation1 = QStringLiteral("1");
 const QString kOperation2 = QStringLiteral("2");
+// How much of the fix script's output is kept: its start and its end.
+constexpr qsizetype kToolOutputHead = 256 * 1024;
+constexpr qsizetype kToolOutputTail = 4096;
+// How long the run waits for a failed fix script to end, so that the last
+// words of its tool have arrived.
+constexpr int kFailedScriptWaitMs = 5000;
 QString& scriptShell() {
     static QString shell;
     return shell;
@@ -110,6 +117,11 @@ void JoinRun::load(bool ownTimers) {
     state_.setOperationTag(kOperation1);
     elapsedSeconds_ = 0;
     cancelled_ = false;
+    failed_ = false;
+    // TempFile must come to hold what the items hold now.
+    startSizes_ = ItemSizesOnDisk(model_);
+    toolOutputHead_.clear();
+    toolOutputTail_.clear();
 
     makeMarker();
     firstScriptPid_ = LaunchScriptDetached(AppDataPath(JoinNames::kTempFileScript));
@@ -131,11 +143,21 @@ void JoinRun::tick() {
     } else if (operation == kOperation2 && running) {
         watched = OutputFilePath(model_);
     } else if (operation == kOperation2) {
-        postCheck();
-        FinishWizard(model_, state_, cancelled_);
+        if (const std::optional<JoinFailure> failure = postCheck()) {
+            fail(*failure);
+        } else {
+            FinishWizard(model_, state_, JoinEnd::Finished);
+        }
         return;
     } else if (operation == kOperation1) {
+        if (const std::optional<JoinFailure> failure = CheckJoinedFile(model_, startSizes_)) {
+            fail(*failure);
+            return;
+        }
         startOperation2();
+        if (failed_) {
+            return;
+        }
         watched = OutputFilePath(model_);
     } else {
         return;  // not loaded
@@ -176,31 +198,43 @@ void JoinRun::startOperation2() {
     }
     // Nothing to fix: the raw join takes the final name, and with JoinTemp
     // gone the next tick finishes.
-    QFile::rename(TempFilePath(model_), OutputFilePath(model_));
-}
-
-void JoinRun::postCheck() {
-    const QString output = OutputFilePath(model_);
-    const QString temp = TempFilePath(model_);
-    // The best file on disk becomes OutputFile. An empty file from the MPEG-2
-    // tool (remaking MPEG-2 or MPEG-1 video) counts as a failure; the MP3 fix
-    // only as one when it left nothing.
-    const QString script = FixScriptName(model_);
-    if (script == JoinNames::kMpeg2Script || script == JoinNames::kMpeg1Script) {
-        const QFileInfo info(output);
-        if (!info.isFile() || info.size() == 0) {
-            QFile::remove(output);
-            QFile::rename(temp, output);
-        } else {
-            QFile::remove(temp);
-        }
-    } else if (script == JoinNames::kMp3Script) {
-        if (!FileExists(output)) {
-            QFile::rename(temp, output);
-        } else {
-            QFile::remove(temp);
+    QFile temp(TempFilePath(model_));
+    if (!temp.rename(OutputFilePath(model_))) {
+        if (const auto failure = CheckRenamedFile(model_, temp.errorString())) {
+            fail(*failure);
         }
     }
+}
+
+std::optional<JoinFailure> JoinRun::postCheck() {
+    if (FixScriptName(model_).isEmpty()) {
+        // TempFile took the final name at the start of JoinOperation 2.
+        return CheckRenamedFile(model_, QString());
+    }
+    if (ReadFailureRecord() && launcher_ != nullptr) {
+        // The script has removed its marker and ends: its tool's last words
+        // may still be on their way.
+        launcher_->waitForEnd(kFailedScriptWaitMs);
+    }
+    if (std::optional<JoinFailure> failure = CheckFixedFile(model_, toolOutputTail_)) {
+        return failure;
+    }
+    if (!LogPath().isEmpty()) {
+        for (const QString& stream : LeftOutStreams(toolOutputHead_)) {
+            LogEvent(QStringLiteral("Left out: ") + stream, 4);
+        }
+    }
+    QFile::remove(TempFilePath(model_));
+    return std::nullopt;
+}
+
+void JoinRun::fail(const JoinFailure& failure) {
+    failed_ = true;
+    state_.setTimerEnabled(false);
+    log(JoinFailedLogRecord(failure));
+    const QList<LeftBehindFile> left = DeleteFailedJoinOutput(model_);
+    FinishWizard(model_, state_, JoinEnd::Failed);
+    model_.questions.msgBox(JoinFailedMessage(failure, left), Msg::OkOnly + Msg::Critical);
 }
 
 void JoinRun::clockTick() {
@@ -212,6 +246,10 @@ void JoinRun::clockTick() {
 }
 
 void JoinRun::dataReceived(const QString& text) {
+    if (toolOutputHead_.size() < kToolOutputHead) {
+        toolOutputHead_ += text;
+    }
+    toolOutputTail_ = (toolOutputTail_ + text).right(kToolOutputTail);
     HandleToolOutput(model_, state_, text);
 }
 
@@ -230,6 +268,7 @@ void JoinRun::cancelClicked() {
         launcher_ = nullptr;
     }
     DeleteToolsFromAppData();
+    DeleteStepRecords();
 
     if (state_.cancelButtonCaption() != QStringLiteral("&Cancel")) {
         // The join is over: another running copy may join now.
@@ -247,7 +286,7 @@ void JoinRun::cancelClicked() {
     if (!left.isEmpty()) {
         model_.questions.msgBox(LeftBehindMessage(left), Msg::OkOnly + Msg::Exclamation);
     }
-    FinishWizard(model_, state_, cancelled_);
+    FinishWizard(model_, state_, JoinEnd::Cancelled);
     state_.requestFocusOnFord();
 }
 

@@ -5,6 +5,9 @@
 #include <QTimer>
 #include <cstdint>
 #include <functional>
+#include <optional>
+
+#include "join/JoinFailure.h"
 
 struct MainModel;
 class JoinWizardState;
@@ -22,7 +25,12 @@ class ProcessRunner;
 //   "1" and JoinTemp there: the join runs, TempFile is watched;
 //   "2" and JoinTemp there: the fix runs, OutputFile is watched;
 //   "2" and JoinTemp gone:  post-check and finish;
-//   "1" and JoinTemp gone:  JoinOperation 2 starts.
+//   "1" and JoinTemp gone:  check of TempFile, then JoinOperation 2 starts.
+//
+// A step that failed (told by the record an sh script leaves, or found by
+// the checks of TempFile and OutputFile) ends the run in the failed state:
+// both files are deleted, the wizard says "Failed!", and a message names the
+// step, the file and the reason.
 //
 // The window owns one run and its state; it forwards the clicks of
 // CancelButton and of the Options menu here and shows the state.
@@ -60,6 +68,7 @@ public:
     std::int16_t elapsedSeconds() const { return elapsedSeconds_; }
     void setElapsedSeconds(std::int16_t seconds) { elapsedSeconds_ = seconds; }
     bool cancelled() const { return cancelled_; }
+    bool failed() const { return failed_; }
     // The launcher of the fix script, while there is one.
     ProcessRunner* launcher() const { return launcher_; }
     // The process id of the shell that runs TempFile.bat (0 when none started).
@@ -75,7 +84,12 @@ public:
 
 private:
     void startOperation2();
-    void postCheck();
+    // The post-check of JoinOperation 2: what failed, or nothing when
+    // OutputFile is whole (TempFile is then deleted).
+    std::optional<JoinFailure> postCheck();
+    // The failed state: nothing left under either file's name, "Failed!",
+    // the record in the debug log and the message.
+    void fail(const JoinFailure& failure);
     void syncTimers();
 
     MainModel& model_;
@@ -85,6 +99,13 @@ private:
     bool ownTimers_ = false;
     std::int16_t elapsedSeconds_ = 0;
     bool cancelled_ = false;
+    bool failed_ = false;
+    // The sizes of the items' files when the join started.
+    QList<qint64> startSizes_;
+    // What the fix script printed: its start (where the remake lists the
+    // streams) and its last lines (where a tool says why it failed).
+    QString toolOutputHead_;
+    QString toolOutputTail_;
     ProcessRunner* launcher_ = nullptr;
     qint64 firstScriptPid_ = 0;
 };

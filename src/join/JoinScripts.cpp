@@ -98,6 +98,25 @@ void writeMp3Sources(const MainModel& model) {
 
 }  // namespace
 
+bool FirstScriptCopiesBytes(const MainModel& model, const ScriptDialect& dialect) {
+    return !isMpeg1VideoList(model) || dialect.remakesMpeg1();
+}
+
+bool FirstScriptCopiesBytes(const MainModel& model) {
+    return FirstScriptCopiesBytes(model, PlatformDialect());
+}
+
+qint64 ItemBytesOnDisk(const MainModel& model) {
+    qint64 total = 0;
+    for (int position = 1; position <= model.items.count(); ++position) {
+        const QFileInfo info(model.items.cell(position, SharedCell::Filepath));
+        if (info.isFile()) {
+            total += info.size();
+        }
+    }
+    return total;
+}
+
 JoinCase CurrentJoinCase(const MainModel& model) {
     if (isMp3List(model)) {
         return JoinCase::MP3;
@@ -166,13 +185,20 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     const QString appData = AppDataFolder();
     const QString marker = d.childPath(appData, kMarkerFolder);
     const QStringList head = d.headLines(Version::kPublisherHost);
+    // A record of an earlier join that ended without clean-up must not speak
+    // for this one.
+    QFile::remove(AppDataPath(kFailureRecord));
+    QFile::remove(AppDataPath(kStepErrorLog));
+    ScriptDialect::StepCheck check;
+    check.failureRecord = d.childPath(appData, kFailureRecord);
+    check.markerFolder = marker;
 
     // The first script: the join itself, into TempFile.
     const QString firstScript = d.childPath(appData, kTempFileScript);
     QStringList lines = head;
     const int count = model.items.count();
     const QString fixScript = FixScriptName(model, d);
-    if (isMpeg1VideoList(model) && fixScript.isEmpty()) {
+    if (!FirstScriptCopiesBytes(model, d)) {
         copyFromInstallFolder(kMpegToolSource, kMpegTool);
         QStringList items;
         items.reserve(count);
@@ -182,14 +208,18 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         lines << d.stopIfGoneLines(firstScript);
         lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), items, tempFile);
     } else {
+        // Each copy is a step of its own: a copy that fails names its item.
+        ScriptDialect::StepCheck copyCheck = check;
+        copyCheck.errorLog = d.childPath(appData, kStepErrorLog);
         for (int position = 1; position <= count; ++position) {
             const QString item = model.items.cell(position, SharedCell::Filepath);
+            copyCheck.step = position;
             lines << d.stopIfGoneLines(firstScript);
             if (position == 1) {
                 // The first line is never logged.
-                lines << d.firstCopyLine(item, tempFile);
+                lines << d.checkedStep(d.firstCopyLine(item, tempFile), copyCheck);
             } else {
-                const QString line = d.appendCopyLine(item, tempFile);
+                const QString line = d.checkedStep(d.appendCopyLine(item, tempFile), copyCheck);
                 lines << line;
                 log(QStringLiteral("1BAT=") + line);
             }
@@ -201,7 +231,8 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     lines << d.exitLine();
     writeScript(AppDataPath(kTempFileScript), lines, d);
 
-    // The second script: the fix from TempFile into OutputFile.
+    // The second script: the fix from TempFile into OutputFile, one step.
+    check.step = 1;
     if (fixScript == kMp3Script) {
         copyFromInstallFolder(kMp3ToolSource, kMp3Tool);
         copyFromInstallFolder(kMp3Library, kMp3Library);
@@ -212,6 +243,7 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         fix.fixTool = d.childPath(appData, kMp3Tool);
         fix.tempFile = tempFile;
         fix.outputFile = output;
+        fix.check = check;
         lines = head;
         lines << d.echoLine(QStringLiteral("Fixing MP3 File..."));
         lines << d.mp3FixLines(fix);
@@ -229,9 +261,13 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
         copyFromInstallFolder(kMpeg2Library, kMpeg2Library);
         const QString script = d.childPath(appData, fixScript);
-        const QString tool = d.childPath(appData, kMpeg2Tool);
-        const QString fixLine =
-            mpeg1 ? d.mpeg1FixLine(tool, tempFile, output) : d.mpeg2FixLine(tool, tempFile, output);
+        ScriptDialect::MpegRemake remake;
+        remake.tool = d.childPath(appData, kMpeg2Tool);
+        remake.tempFile = tempFile;
+        remake.outputFile = output;
+        remake.probeBytes = ItemBytesOnDisk(model);
+        remake.check = check;
+        const QString fixLine = mpeg1 ? d.mpeg1FixLine(remake) : d.mpeg2FixLine(remake);
         const QString kind = mpeg1 ? QStringLiteral("MPEG1") : QStringLiteral("MPEG2");
         lines = head;
         lines << d.echoLine(QStringLiteral("Fixing ") + kind + QStringLiteral(" File..."));

@@ -37,6 +37,10 @@ inline const QString kMpeg2Library = QStringLiteral("pthreadGC2.dll");
 // The sources of an MP3 join for the fix tool, beside its copy: where each
 // source lies in TempFile and its name, for the tag and chapters of the output.
 inline const QString kMp3Sources = QStringLiteral("JoinSources.txt");
+// What a step of a script that failed leaves for the run: its exit status and
+// number, and its error output.
+inline const QString kFailureRecord = QStringLiteral("JoinStep.failed");
+inline const QString kStepErrorLog = QStringLiteral("JoinStep.log");
 // The tools as they lie in InstallFolder.
 inline const QString kMp3ToolSource = QStringLiteral("MP3.dll");
 inline const QString kMpegToolSource = QStringLiteral("MPEG.dll");
@@ -49,6 +53,15 @@ inline const QString kMpeg2ToolSource = QStringLiteral("MPEG2.dll");
 QString FixScriptName(const MainModel& model, const ScriptDialect& dialect);
 // The same in the platform's dialect, the one the run launches.
 QString FixScriptName(const MainModel& model);
+
+// True when the first script joins the items by byte copies, so that TempFile
+// must hold exactly the bytes of the items (every case but MPEG-1 video in a
+// dialect that joins it with the MPEG-1 joiner).
+bool FirstScriptCopiesBytes(const MainModel& model, const ScriptDialect& dialect);
+bool FirstScriptCopiesBytes(const MainModel& model);
+
+// The sum of the sizes of the items' files as they are now.
+qint64 ItemBytesOnDisk(const MainModel& model);
 
 // ".vlr.mp3" for an MP3 list, ".vlr.mpg" otherwise: always 8 characters.
 QString TempFileSuffix(const MainModel& model);

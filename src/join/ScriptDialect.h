@@ -9,6 +9,18 @@
 // quoted as the language needs.
 class ScriptDialect {
 public:
+    // What a step leaves behind when it fails, so that the run can tell which
+    // step failed and why: the record file receives the step's exit status
+    // and its number ("<status> <step>"), the error log (when named) the
+    // step's error output; then the marker folder is removed and the script
+    // ends, so that no later step runs on a broken file.
+    struct StepCheck {
+        int step = 0;
+        QString failureRecord;
+        QString errorLog;
+        QString markerFolder;
+    };
+
     // What the MP3 fix works with: the folders and tools in AppDataFolder and
     // the two files of the join.
     struct Mp3Fix {
@@ -16,6 +28,19 @@ public:
         QString fixTool;     // the MP3 fixer
         QString tempFile;
         QString outputFile;
+        StepCheck check;  // for the fix tool's step
+    };
+
+    // What the MPEG remake works with: the MPEG-2 tool, the two files of the
+    // join, and how many bytes of the join the tool reads before it decides
+    // which streams there are (the whole join, so that a stream that starts
+    // only in a late part is found too).
+    struct MpegRemake {
+        QString tool;
+        QString tempFile;
+        QString outputFile;
+        qint64 probeBytes = 0;
+        StepCheck check;  // for the tool's step
     };
 
     virtual ~ScriptDialect() = default;
@@ -42,16 +67,18 @@ public:
     // The lines of the MP3 fix, from TempFile to OutputFile.
     virtual QStringList mp3FixLines(const Mp3Fix& fix) const = 0;
     // The MPEG-2 remake, from TempFile to OutputFile.
-    virtual QString mpeg2FixLine(const QString& tool, const QString& tempFile,
-                                 const QString& outputFile) const = 0;
+    virtual QString mpeg2FixLine(const MpegRemake& remake) const = 0;
     // False: an MPEG-1 video list is joined by the MPEG-1 joiner straight into
     // TempFile, which the run then renames. True: it is joined as an MPEG-2
     // video list is, a byte copy into TempFile and then a fix script of its
     // own in which the MPEG-2 tool remakes it into OutputFile.
     virtual bool remakesMpeg1() const = 0;
     // The MPEG-1 remake, from TempFile to OutputFile (used when remakesMpeg1).
-    virtual QString mpeg1FixLine(const QString& tool, const QString& tempFile,
-                                 const QString& outputFile) const = 0;
+    virtual QString mpeg1FixLine(const MpegRemake& remake) const = 0;
+    // A step's command as the script runs it: with what it leaves behind when
+    // it fails (see StepCheck), or as it stands in a language that has no way
+    // to say so.
+    virtual QString checkedStep(const QString& command, const StepCheck& check) const = 0;
     // The deletion of a file (named in the debug log, not in any script).
     virtual QString deleteFileLine(const QString& path) const = 0;
     // The removal of the marker folder that tells the run a script has ended.

@@ -1,5 +1,7 @@
 #include "join/ShDialect.h"
 
+#include <algorithm>
+
 namespace {
 const QString kNoInput = QStringLiteral(" < /dev/null");
 }  // namespace
@@ -59,20 +61,41 @@ QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
 // output in one pass, with only the audio frames behind one right header.
 QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
     QStringList lines = stopIfGoneLines(fix.scriptPath);
-    lines << quote(fix.fixTool) + u' ' + quote(fix.tempFile) + u' ' + quote(fix.outputFile) +
-                 kNoInput;
+    lines << checkedStep(
+        quote(fix.fixTool) + u' ' + quote(fix.tempFile) + u' ' + quote(fix.outputFile) + kNoInput,
+        fix.check);
     return lines;
 }
+
+namespace {
+// The options of a remake by the MPEG-2 tool: it reads as far into the join
+// as the join goes before it decides which streams there are, so that a
+// stream that first appears in a late part (a second language that starts in
+// the last part of a title) is found; it keeps every stream in the order of
+// the sources but for the data streams (DVD navigation packets), which a
+// program stream cannot carry; and it copies them unchanged.
+QString remakeOptions(const ScriptDialect::MpegRemake& remake) {
+    // The reading is bounded by the bytes; the time only must not stop it
+    // first (a hundred hours, in microseconds).
+    constexpr qint64 kAnalyzeMicroseconds = 360000000000;
+    constexpr qint64 kLeastProbeBytes = 5000000;
+    return QStringLiteral(" -analyzeduration ") + QString::number(kAnalyzeMicroseconds) +
+           QStringLiteral(" -probesize ") +
+           QString::number(std::max(remake.probeBytes, kLeastProbeBytes)) + QStringLiteral(" -i ") +
+           ShDialect::quote(remake.tempFile) + QStringLiteral(" -map 0 -map -0:d -c copy");
+}
+}  // namespace
 
 // A stream copy into a new program stream: the old quality option is unknown
 // to the tool, and a copy keeps the MPEG-2 video as it is with new timestamps.
 // The wizard's bar and size follow the tool's status lines here, which it
 // writes ten times a second rather than twice, so that they move even on a
 // copy that takes a second or two.
-QString ShDialect::mpeg2FixLine(const QString& tool, const QString& tempFile,
-                                const QString& outputFile) const {
-    return quote(tool) + QStringLiteral(" -nostdin -stats_period 0.1 -i ") + quote(tempFile) +
-           QStringLiteral(" -c copy -f vob -y ") + quote(outputFile) + kNoInput;
+QString ShDialect::mpeg2FixLine(const MpegRemake& remake) const {
+    return checkedStep(quote(remake.tool) + QStringLiteral(" -nostdin -stats_period 0.1") +
+                           remakeOptions(remake) + QStringLiteral(" -f vob -y ") +
+                           quote(remake.outputFile) + kNoInput,
+                       remake.check);
 }
 
 bool ShDialect::remakesMpeg1() const {
@@ -85,10 +108,28 @@ bool ShDialect::remakesMpeg1() const {
 // carries the timestamps on across every seam and copies the streams into a
 // new MPEG-1 program stream, written as it goes: its length in every reader is
 // the sum of the sources' lengths.
-QString ShDialect::mpeg1FixLine(const QString& tool, const QString& tempFile,
-                                const QString& outputFile) const {
-    return quote(tool) + QStringLiteral(" -nostdin -i ") + quote(tempFile) +
-           QStringLiteral(" -c copy -f mpeg -y ") + quote(outputFile) + kNoInput;
+QString ShDialect::mpeg1FixLine(const MpegRemake& remake) const {
+    return checkedStep(quote(remake.tool) + QStringLiteral(" -nostdin") + remakeOptions(remake) +
+                           QStringLiteral(" -f mpeg -y ") + quote(remake.outputFile) + kNoInput,
+                       remake.check);
+}
+
+// The command in a group whose error output goes to the error log, so that
+// the log also receives the shell's own message when a redirection of the
+// command fails (an output folder that is gone). On failure the exit status
+// of the command and the step's number go to the record, the marker goes,
+// and the script ends.
+QString ShDialect::checkedStep(const QString& command, const StepCheck& check) const {
+    if (check.failureRecord.isEmpty()) {
+        return command;
+    }
+    QString line = command;
+    if (!check.errorLog.isEmpty()) {
+        line = QStringLiteral("{ ") + command + QStringLiteral("; } 2> ") + quote(check.errorLog);
+    }
+    return line + QStringLiteral(" || { echo \"$?\" ") + QString::number(check.step) +
+           QStringLiteral(" > ") + quote(check.failureRecord) + QStringLiteral("; rmdir ") +
+           quote(check.markerFolder) + QStringLiteral("; exit 1; }");
 }
 
 QString ShDialect::deleteFileLine(const QString& path) const {

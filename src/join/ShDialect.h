@@ -21,11 +21,10 @@ public:
     QString mpegJoinLine(const QString& tool, const QStringList& items,
                          const QString& tempFile) const override;
     QStringList mp3FixLines(const Mp3Fix& fix) const override;
-    QString mpeg2FixLine(const QString& tool, const QString& tempFile,
-                         const QString& outputFile) const override;
+    QString mpeg2FixLine(const MpegRemake& remake) const override;
     bool remakesMpeg1() const override;
-    QString mpeg1FixLine(const QString& tool, const QString& tempFile,
-                         const QString& outputFile) const override;
+    QString mpeg1FixLine(const MpegRemake& remake) const override;
+    QString checkedStep(const QString& command, const StepCheck& check) const override;
     QString deleteFileLine(const QString& path) const override;
     QString removeMarkerLine(const QString& markerFolder) const override;
     QString exitLine() const override;

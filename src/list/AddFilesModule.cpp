@@ -81,7 +81,8 @@ QString AddFilesFilter(const QString& listType) {
         return QStringLiteral("MP3 Files|*.mp3|All Files|*.*");
     }
     if (listType == QLatin1String("MPEG")) {
-        return QStringLiteral("MPEG Files|*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat|All Files|*.*");
+        return QStringLiteral(
+            "MPEG Files|*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat;*.vob|All Files|*.*");
     }
     return QString();
 }
@@ -91,7 +92,7 @@ QString FolderPattern(const QString& listType) {
         return QStringLiteral("*.mp3");
     }
     if (listType == QLatin1String("MPEG")) {
-        return QStringLiteral("*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat");
+        return QStringLiteral("*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat;*.vob");
     }
     return QString();
 }

@@ -125,7 +125,7 @@ QByteArray ListFileText(const MainModel& model) {
     return text.toUtf8();
 }
 
-void SaveList(MainModel& model, short saveAs) {
+bool SaveList(MainModel& model, short saveAs) {
     CommonDialog& dialog = model.commonDialog;
     if (model.state.listFileName().isEmpty() || saveAs == -1) {
         dialog.dialogTitle = QStringLiteral("Save List");
@@ -135,7 +135,7 @@ void SaveList(MainModel& model, short saveAs) {
         dialog.flags = DialogFlags::HideReadOnly;
         model.questions.showSave(dialog);
         if (dialog.fileName.isEmpty()) {
-            return;
+            return false;
         }
         RememberDialogFolder(dialog, Settings::DialogFolder::SaveList);
     } else {
@@ -152,10 +152,11 @@ void SaveList(MainModel& model, short saveAs) {
         model.questions.msgBox(QStringLiteral("Unable to save the list!") + QStringLiteral("\r\n") +
                                    path + QStringLiteral("\r\n\r\n") + reason,
                                Msg::OkOnly + Msg::Critical);
-        return;
+        return false;
     }
     model.state.setWindowTitle(ListWindowTitle(path));
     model.state.setListFileName(path);
+    return true;
 }
 
 bool ReadListFileText(MainModel& model, const QByteArray& data, const QString& path) {

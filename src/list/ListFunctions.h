@@ -15,8 +15,10 @@ void NewItemList(MainModel& model, const QString& listType);
 // Writes the list to its list file. With saveAs -1, or while the list has no
 // file yet, the save dialog asks for the path first (a cancelled dialog writes
 // nothing, and leaves the dialog's file name empty for the caller to see).
-// The file is written whole or not at all.
-void SaveList(MainModel& model, short saveAs);
+// The file is written whole or not at all. True only when the list file now
+// holds the list: false after a cancelled dialog and after a failed write
+// (which says "Unable to save the list!" with the reason).
+bool SaveList(MainModel& model, short saveAs);
 
 // Asks for a list file and reads it into the list. A file that does not start
 // with the header line, or cannot be read, shows "Unable to open; Invalid

@@ -95,6 +95,13 @@ void ProcessRunner::onFinished(int exitCode, QProcess::ExitStatus exitStatus) {
     emit processEnded();
 }
 
+bool ProcessRunner::waitForEnd(int ms) {
+    if (!isRunning()) {
+        return true;
+    }
+    return process_->waitForFinished(ms);
+}
+
 void ProcessRunner::stop() {
     if (!isRunning()) {
         return;

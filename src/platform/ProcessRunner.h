@@ -47,6 +47,10 @@ public:
     // none runs. Returns when the command has ended or the stop timeout passed.
     void stop();
 
+    // Waits until the command has ended, handing on what it still prints and
+    // then processEnded(), or until ms have passed. True when it has ended.
+    bool waitForEnd(int ms);
+
     bool isRunning() const;
     qint64 processId() const;
 

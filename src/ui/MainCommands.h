@@ -14,7 +14,8 @@ struct MainCommands {
     // Item list.
     std::function<void(const QString& listType)> newItemList;
     std::function<void()> openList;
-    std::function<void(short saveAs)> saveList;
+    // True only when the list file now holds the list.
+    std::function<bool(short saveAs)> saveList;
     std::function<void()> addFiles;
     std::function<void(int index, short cut)> copyItem;
     std::function<void()> pasteItem;

@@ -727,7 +727,11 @@ void MainWindow::changeListType() {
                            "of list.\n\nWould you like to save your list first?"),
             Msg::YesNoCancel + Msg::Exclamation);
         if (answer == Msg::Yes) {
-            RunCommand(commands_.saveList, short(0));
+            // The list goes only when its save really wrote it: a cancelled
+            // save dialog or a failed save keeps list, type and title.
+            if (!saveListWritten(0)) {
+                return;
+            }
             RunCommand(commands_.clearList, short(0));
         } else if (answer == Msg::No) {
             RunCommand(commands_.clearList, short(0));
@@ -764,14 +768,17 @@ void MainWindow::cancelAddingFiles() {
 
 // ---------------------------------------------------------------- closing
 
+bool MainWindow::saveListWritten(short saveAs) {
+    return commands_.saveList && commands_.saveList(saveAs);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     const int answer = model_.questions.msgBox(QStringLiteral("Would you like to save your list?"),
                                                Msg::YesNoCancel + Msg::Question);
     if (answer == Msg::Yes) {
-        RunCommand(commands_.saveList, short(0));
-        // The shared dialog's file name tells whether a save went through: a
-        // cancelled save dialog keeps the window open.
-        if (model_.commonDialog.fileName.isEmpty()) {
+        // The program ends only when the save really wrote the list: a
+        // cancelled save dialog or a failed save keeps the window and the list.
+        if (!saveListWritten(0)) {
             event->ignore();
             return;
         }

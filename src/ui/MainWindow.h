@@ -85,6 +85,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Runs the save command; true only when it wrote the list.
+    bool saveListWritten(short saveAs);
     void buildMenus();
     void buildToolbar();
     void buildClientControls();

@@ -27,15 +27,29 @@ TEST(BatchDialect, ToolLines_AreWrittenExactlyWithTheirOldOptions) {
     BatchDialect bat;
     EXPECT_EQ(bat.mpegJoinLine("C:\\a\\MPEG.exe", {"C:\\1.mpg", "C:\\2.mpg"}, "D:\\t"),
               "\"C:\\a\\MPEG.exe\" -j --force \"C:\\1.mpg\" \"C:\\2.mpg\" -o \"D:\\t\"");
+    // What a step leaves on failure changes no line of this language.
+    ScriptDialect::StepCheck check;
+    check.step = 1;
+    check.failureRecord = "C:\\a\\JoinStep.failed";
+    check.errorLog = "C:\\a\\JoinStep.log";
+    check.markerFolder = "C:\\a\\JoinTemp";
     ScriptDialect::Mp3Fix fix;
     fix.fixTool = "C:\\a\\MP3.exe";
     fix.tempFile = "D:\\o.mp3.vlr.mp3";
     fix.outputFile = "D:\\o.mp3";
+    fix.check = check;
     EXPECT_EQ(bat.mp3FixLines(fix),
               QStringList{"\"C:\\a\\MP3.exe\" --removedId3v1 --removeId3v2 --removeUnknown "
                           "--keepLame \"D:\\o.mp3.vlr.mp3\" \"D:\\o.mp3\""});
-    EXPECT_EQ(bat.mpeg2FixLine("C:\\a\\MPEG2.exe", "D:\\t", "D:\\o"),
-              "\"C:\\a\\MPEG2.exe\" -i \"D:\\t\" -sameq -y \"D:\\o\"");
+    ScriptDialect::MpegRemake remake;
+    remake.tool = "C:\\a\\MPEG2.exe";
+    remake.tempFile = "D:\\t";
+    remake.outputFile = "D:\\o";
+    remake.probeBytes = 123456789;
+    remake.check = check;
+    EXPECT_EQ(bat.mpeg2FixLine(remake), "\"C:\\a\\MPEG2.exe\" -i \"D:\\t\" -sameq -y \"D:\\o\"");
+    EXPECT_EQ(bat.checkedStep("Copy /b \"C:\\1.mpg\" \"D:\\t\"", check),
+              "Copy /b \"C:\\1.mpg\" \"D:\\t\"");
 }
 
 TEST(BatchDialect, Paths_AreNotEscaped) {

@@ -271,8 +271,9 @@ TEST_F(JoinCancelTest, CancelInOperation2_EndsTheFixScriptAndItsTool) {
     QFile::remove(bed.appData + QStringLiteral("/MP3.exe"));
     QFile::copy(QStringLiteral("/bin/sleep"), bed.appData + QStringLiteral("/MP3.exe"));
     bed.writeScript(QStringLiteral("TempFile.bat"),
-                    QStringLiteral("cat %1 > %2\n")
-                            .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(temp)) +
+                    QStringLiteral("cat %1 %2 > %3\n")
+                            .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(b),
+                                 JoinRunTestBed::quoted(temp)) +
                         bed.removeMarkerLine());
     bed.writeScript(QStringLiteral("MP3.bat"),
                     QStringLiteral("printf part > %1\n%2 30\nprintf rest >> %1\n")
@@ -294,17 +295,25 @@ TEST_F(JoinCancelTest, CancelInOperation2_EndsTheFixScriptAndItsTool) {
     EXPECT_FALSE(QFile::exists(temp));
 }
 
-TEST_F(JoinCancelTest, FinishWithoutOutput_KeepsCancel_WhoseClickShowsCancelled) {
+TEST_F(JoinCancelTest, RunThatWritesNoFile_FailsAtOperation1_CloseGetsOut) {
     bed.writeScript(QStringLiteral("TempFile.bat"), bed.removeMarkerLine());
     bed.writeScript(QStringLiteral("MP3.bat"), bed.removeMarkerLine());
     JoinRun& run = bed.makeRun();
     run.load(false);
     ASSERT_TRUE(bed.tickUntil([&] { return !bed.state.timerEnabled(); }));
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
-    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Cancel"));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
+    EXPECT_EQ(bed.state.operationTag(), QStringLiteral("1"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
     EXPECT_EQ(bed.state.elapsedTimeCaption(), QStringLiteral("Time taken:"));
     EXPECT_FALSE(bed.state.elapsedTimerEnabled());
+    ASSERT_EQ(bed.questions.asked.size(), 1);
+    EXPECT_TRUE(bed.questions.asked[0].prompt.contains(
+        QStringLiteral("Operation 1 of 2 (joining the files)\r\nFile: ") + output +
+        QStringLiteral(".vlr.mp3\r\nReason: No such file or directory")))
+        << bed.questions.asked[0].prompt.toStdString();
+    int closeRequests = 0;
+    QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
     run.cancelClicked();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
-    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+    EXPECT_EQ(closeRequests, 1);
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
 }

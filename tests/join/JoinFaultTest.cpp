@@ -1,10 +1,13 @@
 // Joins that meet a fault of the world around them: a full or read-only
-// output folder, sources that change under the running script, a fix tool or
-// script that is gone, leftovers of a crashed run. Each ends with the user's
-// source files as they were and nothing of the join left in AppDataFolder
-// after "&Close".
+// output folder, sources that change under the running script, a fix tool
+// that fails, is killed or is gone, leftovers of a crashed run. A join whose
+// step failed ends "Failed!" with a message that names the step, the file and
+// the system's reason, and leaves nothing under the output's name or
+// TempFile's. Each ends with the user's source files as they were and nothing
+// of the join left in AppDataFolder after "&Close".
 #include <gtest/gtest.h>
 
+#include <signal.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <QCryptographicHash>
@@ -80,23 +83,30 @@ protected:
             << bed.state.operationText().toStdString();
     }
 
-    // True when the run has stopped: at its end, or at the finish's measuring
-    // step that found no output (timers off, the button still "&Cancel").
-    bool stopped() const {
-        return bed.finished() ||
-               (!bed.state.timerEnabled() && bed.state.operationTag() == QStringLiteral("2"));
+    // The failed state: "Failed!" where "Finished!" would stand, "&Close",
+    // no Options, no output and no TempFile, and one critical message under
+    // the program's title that names the step, the file and the reason.
+    void expectFailed(const QString& output, const QString& step, const QString& file,
+                      const QString& reason) {
+        EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
+        EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("[Failed]"));
+        EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+        EXPECT_TRUE(bed.state.cancelButtonEnabled());
+        EXPECT_FALSE(bed.state.optionsButtonEnabled());
+        EXPECT_FALSE(bed.state.timerEnabled());
+        EXPECT_FALSE(QFileInfo::exists(output));
+        EXPECT_FALSE(QFileInfo::exists(TempFilePath(bed.model)));
+        ASSERT_EQ(bed.questions.asked.size(), 1);
+        const QString prompt = bed.questions.asked[0].prompt;
+        EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+        EXPECT_EQ(bed.questions.asked[0].title, QString());
+        EXPECT_TRUE(prompt.startsWith(QStringLiteral("The join has failed!\r\n\r\n") + step +
+                                      QStringLiteral("\r\nFile: ") + file +
+                                      QStringLiteral("\r\nReason: ") + reason))
+            << prompt.toStdString();
     }
-
-    // After a stop without output the user clicks "&Cancel": "Cancelled!".
-    // Otherwise the run says "Finished!".
-    void expectAnEnd() {
-        if (bed.state.cancelButtonCaption() == QStringLiteral("&Cancel")) {
-            bed.run->cancelClicked();
-            EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
-        } else {
-            EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-        }
-    }
+    static QString joining() { return QStringLiteral("Operation 1 of 2 (joining the files)"); }
+    static QString fixing() { return QStringLiteral("Operation 2 of 2 (fixing the joined file)"); }
 
     // The click on "&Close": the window asks to be closed.
     void close() {
@@ -127,7 +137,7 @@ protected:
 
 // ---- the output folder fills up or turns read-only ----
 
-TEST_F(JoinFaultTest, OutputFolderFullDuringOperation1_Tmpfs_FinishesAndCleansUp) {
+TEST_F(JoinFaultTest, OutputFolderFullDuringOperation1_Tmpfs_Fails) {
     const QString out = mountTmpfs(QStringLiteral("small"), QStringLiteral("size=64k"));
     if (out.isEmpty()) {
         GTEST_SKIP() << "no tmpfs can be mounted here (" << mountError.toStdString()
@@ -139,16 +149,13 @@ TEST_F(JoinFaultTest, OutputFolderFullDuringOperation1_Tmpfs_FinishesAndCleansUp
     const QString output = out + QStringLiteral("/joined.mp3");
     startJoin(output);
     runToTheEnd();
-    // What the tools could write stays; the temporary file never does.
-    EXPECT_LE(QFileInfo(output).size(), 64 * 1024);
-    if (bed.state.cancelButtonCaption() == QStringLiteral("&Cancel")) {
-        bed.run->cancelClicked();  // the finish found no output at all
-    }
+    expectFailed(output, joining(), output + QStringLiteral(".vlr.mp3"),
+                 QStringLiteral("No space left on device"));
     close();
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_EndsWithoutOutput) {
+TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_Fails) {
     const QString out = mountTmpfs(QStringLiteral("ro"), QStringLiteral("size=4m"));
     if (out.isEmpty()) {
         GTEST_SKIP() << "no tmpfs can be mounted here (" << mountError.toStdString() << ")";
@@ -161,20 +168,14 @@ TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_EndsWithoutOutput
         ::mount(nullptr, out.toLocal8Bit().constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr),
         0)
         << std::strerror(errno);
-    bed.makeRun().load(true);
-    // With no output at all the finish stops at its measuring step: the timers
-    // are off and the button still says "&Cancel".
-    ASSERT_TRUE(JoinRunTestBed::waitUntil(
-        [&] { return !bed.state.timerEnabled() && bed.state.operationTag() == "2"; }, 120000));
-    EXPECT_FALSE(QFile::exists(output));
-    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Cancel"));
-    bed.run->cancelClicked();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    runToTheEnd();
+    expectFailed(output, joining(), output + QStringLiteral(".vlr.mp3"),
+                 QStringLiteral("Read-only file system"));
     close();
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_FinishesAndCleansUp) {
+TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_Fails) {
     // Works everywhere: the first script may write no more than 8 blocks, as
     // if the output folder had filled up after the pre-flight.
     const QString a = randomFile(QStringLiteral("a.mpg"), 20000);
@@ -184,15 +185,13 @@ TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_FinishesAndClea
     startJoin(output);
     LimitScriptFileSize(bed.appData + QStringLiteral("/TempFile.bat"), 8);
     runToTheEnd();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_TRUE(QFile::exists(output));
-    EXPECT_LE(QFileInfo(output).size(), 8 * 1024);
+    expectFailed(output, joining(), output + QStringLiteral(".vlr.mpg"),
+                 QStringLiteral("File size limit exceeded"));
     close();
     expectCleanEnd(output);
-    EXPECT_TRUE(QFile::exists(output));
 }
 
-TEST_F(JoinFaultTest, DiskFullDuringOperation2_Ulimit_FinishesAndCleansUp) {
+TEST_F(JoinFaultTest, DiskFullDuringOperation2_Ulimit_Fails) {
     // The fix script may write no more than 4 blocks: the disk fills while
     // the fixed file is written.
     const QString one = mp3(QStringLiteral("one.mp3"), 440);
@@ -201,15 +200,13 @@ TEST_F(JoinFaultTest, DiskFullDuringOperation2_Ulimit_FinishesAndCleansUp) {
     const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
     startJoin(output);
     LimitScriptFileSize(bed.appData + QStringLiteral("/MP3.bat"), 4);
-    bed.makeRun().load(true);
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 120000));
-    expectAnEnd();
-    EXPECT_LE(QFileInfo(output).size(), 4 * 1024);
+    runToTheEnd();
+    expectFailed(output, fixing(), output, QStringLiteral("File size limit exceeded"));
     close();
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_EndsWithAMessageOrAnEnd) {
+TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_Fails) {
     // The raw join fits; the fixed copy beside it does not.
     const QString out = mountTmpfs(QStringLiteral("half"), QStringLiteral("size=96k"));
     if (out.isEmpty()) {
@@ -219,16 +216,15 @@ TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_EndsWithAMessageOrAnEnd) {
     bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), mp3(QStringLiteral("two.mp3"), 550)});
     const QString output = out + QStringLiteral("/joined.mp3");
     startJoin(output);
-    bed.makeRun().load(true);
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 120000));
-    expectAnEnd();
+    runToTheEnd();
+    expectFailed(output, fixing(), output, QStringLiteral("No space left on device"));
     close();
     expectCleanEnd(output);
 }
 
 // ---- sources that change under the running script ----
 
-TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_JoinsWhatIsThere) {
+TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_FailsOnTheDeletedSource) {
     // The first item is a pipe: the script waits on it while the test changes
     // the other sources, then goes on.
     const QString pipe = bed.media + QStringLiteral("/first.mpg");
@@ -243,7 +239,6 @@ TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_JoinsWhatIsThere) {
 
     QFile feed(pipe);
     ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
-    const QByteArray shortened = JoinRunTestBed::readFile(truncated).left(1000);
     ASSERT_TRUE(QFile::resize(truncated, 1000));
     sources.remember(truncated);
     ASSERT_TRUE(QFile::remove(deleted));
@@ -252,34 +247,97 @@ TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_JoinsWhatIsThere) {
     feed.close();
 
     ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000));
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_EQ(JoinRunTestBed::readFile(output),
-              QByteArray("pipe") + shortened + JoinRunTestBed::readFile(kept));
+    expectFailed(output, joining(), deleted, QStringLiteral("No such file or directory"));
     close();
     expectCleanEnd(output);
     EXPECT_FALSE(QFile::exists(deleted));
 }
 
-TEST_F(JoinFaultTest, SourceDeletedBeforeTheFirstCopy_Mp3FixStillRuns) {
+TEST_F(JoinFaultTest, SourceTruncatedWhileJoining_FailsOnTheSizeOfTheJoin) {
+    const QString pipe = bed.media + QStringLiteral("/first.mpg");
+    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    const QString truncated = randomFile(QStringLiteral("truncated.mpg"), 30000);
+    const QString kept = randomFile(QStringLiteral("kept.mpg"), 30000);
+    bed.makeMpegList({pipe, truncated, kept}, QString());
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
+    startJoin(output);
+    bed.makeRun().load(true);
+
+    QFile feed(pipe);
+    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
+    ASSERT_TRUE(QFile::resize(truncated, 1000));
+    sources.remember(truncated);
+    feed.close();  // the pipe gives nothing, as its size said
+
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000));
+    expectFailed(output, joining(), truncated,
+                 QStringLiteral("its size changed during the join, from 30000 bytes to 1000 "
+                                "bytes"));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, SourceDeletedBeforeTheFirstCopy_FailsAndTheFixNeverRuns) {
     const QString one = mp3(QStringLiteral("one.mp3"), 440);
     const QString two = mp3(QStringLiteral("two.mp3"), 550);
     const QString three = mp3(QStringLiteral("three.mp3"), 660);
     bed.makeMp3List({one, two, three});
     const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
+    const QString log = bed.dir.path() + QStringLiteral("/debug.log");
+    StartLogging(log, 2);
     startJoin(output);
     ASSERT_TRUE(QFile::remove(one));
     sources.forget(one);
     runToTheEnd();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_GT(QFileInfo(output).size(), 0);
+    StopLogging();
+    expectFailed(output, joining(), one, QStringLiteral("No such file or directory"));
+    EXPECT_EQ(bed.state.operationTag(), QStringLiteral("1"));
+    // The debug log records the failure, and no fix after it.
+    const QString text = QString::fromUtf8(JoinRunTestBed::readFile(log));
+    EXPECT_TRUE(text.contains(QStringLiteral("\nFailed: Operation 1 of 2 (joining the files) | ") +
+                              one + QStringLiteral(" | No such file or directory\n")))
+        << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral("Fixing MP3 File...")));
     close();
     expectCleanEnd(output);
     EXPECT_FALSE(QFile::exists(one));
 }
 
-// ---- the fix step loses its tool or its script ----
+TEST_F(JoinFaultTest, SourceUnreadable_FailsOnIt) {
+    // A source that is no longer a file the copy can read: a folder stands
+    // under its name.
+    const QString one = mp3(QStringLiteral("one.mp3"), 440);
+    const QString two = mp3(QStringLiteral("two.mp3"), 550);
+    bed.makeMp3List({one, two});
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
+    startJoin(output);
+    ASSERT_TRUE(QFile::remove(two));
+    sources.forget(two);
+    ASSERT_TRUE(QDir().mkdir(two));
+    runToTheEnd();
+    expectFailed(output, joining(), two, QStringLiteral("Is a directory"));
+    close();
+    expectCleanEnd(output);
+    EXPECT_TRUE(QFileInfo(two).isDir());
+}
 
-TEST_F(JoinFaultTest, FixToolMissingAtOperation2_RawJoinBecomesOutput) {
+// ---- the fix step fails, is killed or loses its tool or its script ----
+
+TEST_F(JoinFaultTest, FixToolExitsWithAnError_Fails) {
+    // MPEG-2 video that is no MPEG at all: the remake refuses it.
+    const QString a = randomFile(QStringLiteral("a.mpg"), 20000);
+    const QString b = randomFile(QStringLiteral("b.mpg"), 20000);
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
+    startJoin(output);
+    runToTheEnd();
+    expectFailed(output, fixing(), output + QStringLiteral(".vlr.mpg"),
+                 QStringLiteral("Invalid data found when processing input"));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, FixToolMissingAtOperation2_Fails) {
     const QString one = mp3(QStringLiteral("one.mp3"), 440);
     const QString two = mp3(QStringLiteral("two.mp3"), 550);
     bed.makeMp3List({one, two});
@@ -290,10 +348,8 @@ TEST_F(JoinFaultTest, FixToolMissingAtOperation2_RawJoinBecomesOutput) {
     ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
     ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MP3.exe")));
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000));
-    // A fix that yields nothing leaves the raw join as the output.
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_EQ(JoinRunTestBed::readFile(output),
-              JoinRunTestBed::readFile(one) + JoinRunTestBed::readFile(two));
+    expectFailed(output, fixing(), bed.appData + QStringLiteral("/MP3.exe"),
+                 QStringLiteral("No such file or directory"));
     close();
     expectCleanEnd(output);
 }
@@ -325,7 +381,7 @@ TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_WaitsUntilCancel_CancelGetsOu
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, FixToolKilledFromOutside_RunEndsAndLeavesNothingRunning) {
+TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
     const QString one = mp3(QStringLiteral("one.mp3"), 440);
     const QString two = mp3(QStringLiteral("two.mp3"), 550);
     bed.makeMp3List({one, two});
@@ -352,14 +408,14 @@ TEST_F(JoinFaultTest, FixToolKilledFromOutside_RunEndsAndLeavesNothingRunning) {
     ASSERT_TRUE(JoinRunTestBed::waitUntil(toolRuns, 30000))
         << JoinProcessesOf(bed).join(u'\n').toStdString();
     KillProcessByName(QStringLiteral("MP3.exe"));
-    ASSERT_TRUE(bed.tickUntil([&] { return stopped(); }, 30000))
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000))
         << bed.state.operationText().toStdString();
-    expectAnEnd();
+    expectFailed(output, fixing(), output, QStringLiteral("Killed"));
     close();
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, OutputFolderRemovedDuringTheJoin_EndsAndCleansUp) {
+TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation1_Fails) {
     // The first item is a pipe: the script waits on it while the test takes
     // the output folder away with the partial join in it.
     const QString pipe = bed.media + QStringLiteral("/first.mpg");
@@ -374,12 +430,58 @@ TEST_F(JoinFaultTest, OutputFolderRemovedDuringTheJoin_EndsAndCleansUp) {
     QFile feed(pipe);
     ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
     ASSERT_TRUE(QDir(folder).removeRecursively());
-    feed.write("pipe");
     feed.close();
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return stopped(); }, 60000))
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000))
         << bed.state.operationText().toStdString();
-    expectAnEnd();
-    EXPECT_FALSE(QFile::exists(output + QStringLiteral(".vlr.mpg")));
+    expectFailed(output, joining(), output + QStringLiteral(".vlr.mpg"),
+                 QStringLiteral("Directory nonexistent"));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation2_Fails) {
+    // The fix tool is held still once it runs; meanwhile the output folder
+    // goes, with TempFile and the part of the output the tool has written.
+    Mp3Options options;
+    options.seconds = 60;
+    const QString one = MakeMp3(bed.media, QStringLiteral("one.mp3"), options);
+    const QString two = MakeMp3(bed.media, QStringLiteral("two.mp3"), options);
+    ASSERT_FALSE(one.isEmpty() || two.isEmpty()) << LastMediaMakerError().toStdString();
+    sources.remember(one);
+    sources.remember(two);
+    bed.makeMp3List({one, two});
+    const QString folder = bed.dir.path() + QStringLiteral("/out");
+    QDir().mkpath(folder);
+    const QString output = folder + QStringLiteral("/joined.mp3");
+    startJoin(output);
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    const QString tool = bed.appData + QStringLiteral("/MP3.exe");
+    qint64 pid = 0;
+    ASSERT_TRUE(bed.tickUntil(
+        [&] {
+            for (const QString& process : JoinProcessesOf(bed)) {
+                const qint64 id = process.section(u' ', 0, 0).toLongLong();
+                if (ExecutablePathOf(id) == tool && ::kill(static_cast<pid_t>(id), SIGSTOP) == 0) {
+                    pid = id;
+                    return true;
+                }
+            }
+            return bed.finished();
+        },
+        60000));
+    ASSERT_GT(pid, 0) << "the fix tool ended before it was seen";
+    // It runs in short slices until it has opened the output.
+    while (!QFileInfo::exists(output) && ExecutablePathOf(pid) == tool) {
+        ::kill(static_cast<pid_t>(pid), SIGCONT);
+        QThread::usleep(200);
+        ::kill(static_cast<pid_t>(pid), SIGSTOP);
+    }
+    ASSERT_TRUE(QFileInfo::exists(output));
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    ::kill(static_cast<pid_t>(pid), SIGCONT);
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 60000));
+    expectFailed(output, fixing(), output, QStringLiteral("No such file or directory"));
     close();
     expectCleanEnd(output);
 }

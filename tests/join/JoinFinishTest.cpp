@@ -30,7 +30,7 @@ TEST_F(JoinFinishTest, Finished_SetsEveryValue) {
     JoinRunTestBed::writeFile(output, QByteArray(4096, 'x'));
     const QString log = bed.dir.path() + QStringLiteral("/debug.log");
     StartLogging(log, 2);
-    FinishWizard(bed.model, bed.state, false);
+    FinishWizard(bed.model, bed.state, JoinEnd::Finished);
     StopLogging();
     EXPECT_EQ(JoinRunTestBed::readFile(log), QByteArray("Operation2 Size=1 KB\n"));
     EXPECT_FALSE(bed.state.timerEnabled());
@@ -51,12 +51,12 @@ TEST_F(JoinFinishTest, Finished_SetsEveryValue) {
 
 TEST_F(JoinFinishTest, OutputUnderHalfKB_ShowsKBAlone) {
     JoinRunTestBed::writeFile(output, QByteArray(300, 'x'));
-    FinishWizard(bed.model, bed.state, false);
+    FinishWizard(bed.model, bed.state, JoinEnd::Finished);
     EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral(" KB"));
 }
 
 TEST_F(JoinFinishTest, Cancelled_ShowsCancelled_OptionsOff) {
-    FinishWizard(bed.model, bed.state, true);
+    FinishWizard(bed.model, bed.state, JoinEnd::Cancelled);
     EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("[Cancelled]"));
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
     EXPECT_EQ(bed.state.progressValue(), 5000.0F);
@@ -64,8 +64,23 @@ TEST_F(JoinFinishTest, Cancelled_ShowsCancelled_OptionsOff) {
     EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
 }
 
+TEST_F(JoinFinishTest, Failed_ShowsFailed_BarWhereItStood_OptionsOff) {
+    FinishWizard(bed.model, bed.state, JoinEnd::Failed);
+    EXPECT_FALSE(bed.state.timerEnabled());
+    EXPECT_FALSE(bed.state.elapsedTimerEnabled());
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+    EXPECT_EQ(bed.state.headerSubText(), QStringLiteral("You may now close this wizard..."));
+    EXPECT_EQ(bed.state.elapsedTimeCaption(), QStringLiteral("Time taken:"));
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("[Failed]"));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
+    EXPECT_EQ(bed.state.progressValue(), 1000.0F);
+    EXPECT_FALSE(bed.state.optionsButtonEnabled());
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+    EXPECT_TRUE(bed.state.cancelButtonEnabled());
+}
+
 TEST_F(JoinFinishTest, NoOutput_StopsAfterTimeTaken) {
-    FinishWizard(bed.model, bed.state, false);
+    FinishWizard(bed.model, bed.state, JoinEnd::Finished);
     EXPECT_EQ(bed.state.elapsedTimeCaption(), QStringLiteral("Time taken:"));
     EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
     EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("1 KB"));

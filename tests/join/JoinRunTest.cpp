@@ -28,8 +28,8 @@ protected:
                                      JoinRunTestBed::quoted(b), JoinRunTestBed::quoted(tempFile)) +
                             bed.removeMarkerLine() + QStringLiteral("exit\n"));
     }
-    // A join whose fix script (named script) leaves an empty output: the raw
-    // join takes its place and the temporary file goes.
+    // A join whose fix script (named script) leaves an empty output: the
+    // join fails, and neither the empty file nor the raw join is left.
     void joinWithAFixerThatLeavesAnEmptyFile(const QString& codec, const QString& script) {
         bed.makeMpegList({a, b}, codec);
         writeJoinScript(temp());
@@ -39,8 +39,19 @@ protected:
         run.load(false);
         letGo();
         ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
-        EXPECT_EQ(QFileInfo(output).size(), 5000);
-        EXPECT_FALSE(QFile::exists(temp()));
+        expectFailedOnTheOutput(temp(), QStringLiteral("the tool wrote an empty file"));
+    }
+    // The failed state after the fix step, with the one message naming the
+    // output and the reason; neither file is left.
+    void expectFailedOnTheOutput(const QString& tempFile, const QString& reason) {
+        EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
+        EXPECT_FALSE(QFile::exists(output));
+        EXPECT_FALSE(QFile::exists(tempFile));
+        ASSERT_EQ(bed.questions.asked.size(), 1);
+        EXPECT_TRUE(bed.questions.asked[0].prompt.contains(
+            QStringLiteral("Operation 2 of 2 (fixing the joined file)\r\nFile: ") + output +
+            QStringLiteral("\r\nReason: ") + reason))
+            << bed.questions.asked[0].prompt.toStdString();
     }
     void letGo() { JoinRunTestBed::writeFile(go, "go"); }
     bool inOperation2() const { return bed.state.operationTag() == QStringLiteral("2"); }
@@ -72,7 +83,7 @@ TEST_F(JoinRunTest, Load_BarMaximumFromListSize_Operation1_MarkerAndLaunch) {
 TEST_F(JoinRunTest, Tick_Operation1Running_WatchesTempFileGrow) {
     bed.makeMpegList({a, b}, QStringLiteral("Other"));
     bed.model.state.setSizeCaption(QStringLiteral("1,000 KB"));
-    writeJoinScript(temp() + QStringLiteral(".unused"));
+    writeJoinScript(temp());
     JoinRun& run = bed.makeRun();
     run.load(false);
     run.tick();
@@ -137,7 +148,7 @@ TEST_F(JoinRunTest, Mpeg1V_FixScriptRunsThroughLauncher_WatchesOutputGrow_TempFi
     EXPECT_FALSE(QFile::exists(temp()));
 }
 
-TEST_F(JoinRunTest, Mpeg1V_FixerLeavesEmptyFile_IsReplacedByRawJoin) {
+TEST_F(JoinRunTest, Mpeg1V_FixerLeavesEmptyFile_Fails) {
     joinWithAFixerThatLeavesAnEmptyFile(QStringLiteral("MPEG-1V"), QStringLiteral("MPEG.bat"));
 }
 
@@ -167,7 +178,7 @@ TEST_F(JoinRunTest, Mp3_MarkerMadeTwice_FixScriptRunsThroughLauncher_TempFileDel
     EXPECT_FALSE(QFile::exists(mp3Temp));
 }
 
-TEST_F(JoinRunTest, Mp3_FixerLeavesNothing_RawJoinBecomesOutput) {
+TEST_F(JoinRunTest, Mp3_FixerLeavesNothing_Fails) {
     bed.makeMp3List({a, b});
     const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
     writeJoinScript(mp3Temp);
@@ -176,12 +187,10 @@ TEST_F(JoinRunTest, Mp3_FixerLeavesNothing_RawJoinBecomesOutput) {
     run.load(false);
     letGo();
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
-    EXPECT_EQ(QFileInfo(output).size(), 5000);
-    EXPECT_FALSE(QFile::exists(mp3Temp));
+    expectFailedOnTheOutput(mp3Temp, QStringLiteral("No such file or directory"));
 }
 
-TEST_F(JoinRunTest, Mp3_FixerLeavesEmptyFile_IsKept) {
+TEST_F(JoinRunTest, Mp3_FixerLeavesEmptyFile_Fails) {
     bed.makeMp3List({a, b});
     const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
     writeJoinScript(mp3Temp);
@@ -192,14 +201,10 @@ TEST_F(JoinRunTest, Mp3_FixerLeavesEmptyFile_IsKept) {
     run.load(false);
     letGo();
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
-    EXPECT_TRUE(QFile::exists(output));
-    EXPECT_EQ(QFileInfo(output).size(), 0);
-    EXPECT_FALSE(QFile::exists(mp3Temp));
-    // The size of an empty output: the pattern gives nothing, " KB" stays.
-    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral(" KB"));
+    expectFailedOnTheOutput(mp3Temp, QStringLiteral("the tool wrote an empty file"));
 }
 
-TEST_F(JoinRunTest, Mpeg2V_FixerLeavesEmptyFile_IsReplacedByRawJoin) {
+TEST_F(JoinRunTest, Mpeg2V_FixerLeavesEmptyFile_Fails) {
     joinWithAFixerThatLeavesAnEmptyFile(QStringLiteral("MPEG-2V"), QStringLiteral("MPEG2.bat"));
 }
 

@@ -163,9 +163,11 @@ public:
         }
         return true;
     }
+    // True when the run has ended: finished, cancelled or failed.
     bool finished() const {
         return state.operationText() == QStringLiteral("Finished!") ||
-               state.operationText() == QStringLiteral("Cancelled!");
+               state.operationText() == QStringLiteral("Cancelled!") ||
+               state.operationText() == QStringLiteral("Failed!");
     }
 
     QTemporaryDir dir;

@@ -51,6 +51,25 @@ protected:
     }
 
     QString app(const QString& name) const { return bed.appData + u'/' + name; }
+
+    // A step of an sh script as it is written: on failure its exit status and
+    // number go to the record, the marker goes, the script ends; a copy's
+    // error output goes to the step's log.
+    QString checked(const QString& command, int step, bool errorLog) const {
+        const QString line =
+            errorLog ? "{ " + command + "; } 2> " + q(app("JoinStep.log")) : command;
+        return line + " || { echo \"$?\" " + QString::number(step) + " > " +
+               q(app("JoinStep.failed")) + "; rmdir " + q(app("JoinTemp")) + "; exit 1; }";
+    }
+    QString catLine(qsizetype i) const {
+        return checked("cat " + q(items[i]) + (i == 0 ? " > " : " >> ") + q(temp) + " < /dev/null",
+                       static_cast<int>(i) + 1, true);
+    }
+    // The remake options: the whole join read before the streams are known.
+    QString remakeOptions() const {
+        return " -analyzeduration 360000000000 -probesize 5000000 -i " + q(temp) +
+               " -map 0 -map -0:d -c copy";
+    }
     QString win(const QString& name) const { return bed.appData + u'\\' + name; }
 
     // The first script of a join in the sh dialect: the items joined by cat
@@ -61,8 +80,7 @@ protected:
         QStringList lines = {"#!/bin/sh", "echo Generated with Velmora",
                              "echo Visit us at: www.velmora.example"};
         for (qsizetype i = 0; i < items.size(); ++i) {
-            lines << stop
-                  << "cat " + q(items[i]) + (i == 0 ? " > " : " >> ") + q(temp) + " < /dev/null";
+            lines << stop << catLine(i);
         }
         lines << stop << "rmdir " + q(app("JoinTemp")) + " < /dev/null"
               << "echo Joined Succesfully!"
@@ -217,7 +235,7 @@ TEST_F(JoinScriptsTest, Sh_Mp3List_WritesCatLinesAndFixScriptLineForLine) {
         "echo Visit us at: www.velmora.example",
         "echo Fixing MP3 File...",
         stopFix,
-        q(app("MP3.exe")) + " " + q(temp) + " " + q(output) + " < /dev/null",
+        checked(q(app("MP3.exe")) + " " + q(temp) + " " + q(output) + " < /dev/null", 1, false),
         "echo MP3 File has been fixed!",
         stopFix,
         "rmdir " + q(app("JoinTemp")) + " < /dev/null",
@@ -239,8 +257,9 @@ TEST_F(JoinScriptsTest, Sh_Mpeg1V_WritesCatLinesAndItsOwnRemakeScriptLineForLine
                                      "echo Visit us at: www.velmora.example",
                                      "echo Fixing MPEG1 File...",
                                      stopFix,
-                                     q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
-                                         " -c copy -f mpeg -y " + q(output) + " < /dev/null",
+                                     checked(q(app("MPEG2.exe")) + " -nostdin" + remakeOptions() +
+                                                 " -f mpeg -y " + q(output) + " < /dev/null",
+                                             1, false),
                                      "echo MPEG1 File has been fixed!",
                                      stopFix,
                                      "rmdir " + q(app("JoinTemp")) + " < /dev/null",
@@ -259,18 +278,19 @@ TEST_F(JoinScriptsTest, Sh_Mpeg2V_WritesCatLinesAndRemuxScriptLineForLine) {
     EXPECT_EQ(scriptLines(app("TempFile.bat"), "\n"), shCatScript());
 
     const QString stopFix = "[ -f " + q(app("MPEG2.bat")) + " ] || exit 1";
-    const QStringList expectedFix = {"#!/bin/sh",
-                                     "echo Generated with Velmora",
-                                     "echo Visit us at: www.velmora.example",
-                                     "echo Fixing MPEG2 File...",
-                                     stopFix,
-                                     q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1 -i " +
-                                         q(temp) + " -c copy -f vob -y " + q(output) +
-                                         " < /dev/null",
-                                     "echo MPEG2 File has been fixed!",
-                                     stopFix,
-                                     "rmdir " + q(app("JoinTemp")) + " < /dev/null",
-                                     "exit"};
+    const QStringList expectedFix = {
+        "#!/bin/sh",
+        "echo Generated with Velmora",
+        "echo Visit us at: www.velmora.example",
+        "echo Fixing MPEG2 File...",
+        stopFix,
+        checked(q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1" + remakeOptions() +
+                    " -f vob -y " + q(output) + " < /dev/null",
+                1, false),
+        "echo MPEG2 File has been fixed!",
+        stopFix,
+        "rmdir " + q(app("JoinTemp")) + " < /dev/null",
+        "exit"};
     EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\n"), expectedFix);
 }
 
@@ -285,9 +305,9 @@ TEST_F(JoinScriptsTest, Sh_OtherMpeg_WritesCatLinesOnlyAndCopiesNoTool) {
                                   "echo Generated with Velmora",
                                   "echo Visit us at: www.velmora.example",
                                   stop,
-                                  "cat " + q(items[0]) + " > " + q(temp) + " < /dev/null",
+                                  catLine(0),
                                   stop,
-                                  "cat " + q(items[1]) + " >> " + q(temp) + " < /dev/null",
+                                  catLine(1),
                                   stop,
                                   "rmdir " + q(app("JoinTemp")) + " < /dev/null",
                                   "echo Joined Succesfully!",
@@ -361,7 +381,7 @@ TEST_F(JoinScriptsTest, OutputWithoutExtension_GetsTheSuffixAndOutputStaysAsChos
     bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
     EXPECT_EQ(write(sh), output + ".vlr.mpg");
     const QString fix = QString::fromUtf8(ScriptTestBed::readFile(app("MPEG2.bat")));
-    EXPECT_TRUE(fix.contains(" -c copy -f vob -y " + q(output) + " < /dev/null\n"));
+    EXPECT_TRUE(fix.contains(" -c copy -f vob -y " + q(output) + " < /dev/null || "));
     EXPECT_TRUE(fix.contains("-i " + q(output + ".vlr.mpg") + " "));
 }
 
@@ -474,9 +494,7 @@ protected:
         temp = output + ".vlr.mpg";
     }
     // The record of the line that appends item i, in each dialect.
-    QString shAppend(int i) const {
-        return "1BAT=cat " + q(items[i]) + " >> " + q(temp) + " < /dev/null";
-    }
+    QString shAppend(int i) const { return "1BAT=" + catLine(i); }
     QString batchAppend(int i) const {
         return "1BAT=Copy /b \"" + temp + "\"+\"" + items[i] + "\" \"" + temp + "\"";
     }
@@ -508,8 +526,9 @@ TEST_F(JoinScriptsLogTest, Batch_Mpeg2V_LogsCopyLinesAndTheTwoRemakeRecords) {
 TEST_F(JoinScriptsLogTest, Sh_Mpeg2V_LogsTheRemuxLineAsWrittenAndTheDelete) {
     useMpegList(2, "MPEG-2V");
     write(sh);
-    const QString remux = q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1 -i " + q(temp) +
-                          " -c copy -f vob -y " + q(output) + " < /dev/null";
+    const QString remux = checked(q(app("MPEG2.exe")) + " -nostdin -stats_period 0.1" +
+                                      remakeOptions() + " -f vob -y " + q(output) + " < /dev/null",
+                                  1, false);
     const QStringList expected = {"TempFile=" + temp, shAppend(1), "2BAT=" + remux,
                                   "2BAT=rm -f " + q(temp) + " < /dev/null"};
     EXPECT_EQ(logRecords(logFile), expected);
@@ -540,8 +559,9 @@ TEST_F(JoinScriptsLogTest, Batch_Mpeg1V_LogsOnlyTheTempFile) {
 TEST_F(JoinScriptsLogTest, Sh_Mpeg1V_LogsTheAppendLinesTheRemakeLineAsWrittenAndTheDelete) {
     useMpegList(3, "MPEG-1V");
     write(sh);
-    const QString remake = q(app("MPEG2.exe")) + " -nostdin -i " + q(temp) +
-                           " -c copy -f mpeg -y " + q(output) + " < /dev/null";
+    const QString remake = checked(q(app("MPEG2.exe")) + " -nostdin" + remakeOptions() +
+                                       " -f mpeg -y " + q(output) + " < /dev/null",
+                                   1, false);
     const QStringList expected = {"TempFile=" + temp, shAppend(1), shAppend(2), "2BAT=" + remake,
                                   "2BAT=rm -f " + q(temp) + " < /dev/null"};
     EXPECT_EQ(logRecords(logFile), expected);

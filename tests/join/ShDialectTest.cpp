@@ -39,29 +39,65 @@ TEST(ShDialect, Lines_HaveNoInputAndLfEnds) {
                                                          "echo Visit us at: host.example"}));
 }
 
-TEST(ShDialect, Mp3Fix_OneCallOfTheFixToolFromTempFileToOutput) {
+// The check of a step that a fix line carries: record, marker, no error log.
+ScriptDialect::StepCheck fixCheck() {
+    ScriptDialect::StepCheck check;
+    check.step = 1;
+    check.failureRecord = "/a/JoinStep.failed";
+    check.markerFolder = "/a/JoinTemp";
+    return check;
+}
+const char kFixCheckTail[] =
+    " || { echo \"$?\" 1 > '/a/JoinStep.failed'; rmdir '/a/JoinTemp'; exit 1; }";
+
+TEST(ShDialect, Mp3Fix_OneCheckedCallOfTheFixToolFromTempFileToOutput) {
     ShDialect sh;
     ScriptDialect::Mp3Fix fix;
     fix.scriptPath = "/a/MP3.bat";
     fix.fixTool = "/a/MP3.exe";
     fix.tempFile = "/o/it's.mp3.vlr.mp3";
     fix.outputFile = "/o/it's.mp3";
-    EXPECT_EQ(
-        sh.mp3FixLines(fix),
-        (QStringList{"[ -f '/a/MP3.bat' ] || exit 1",
-                     "'/a/MP3.exe' '/o/it'\\''s.mp3.vlr.mp3' '/o/it'\\''s.mp3' < /dev/null"}));
+    fix.check = fixCheck();
+    EXPECT_EQ(sh.mp3FixLines(fix),
+              (QStringList{"[ -f '/a/MP3.bat' ] || exit 1",
+                           "'/a/MP3.exe' '/o/it'\\''s.mp3.vlr.mp3' '/o/it'\\''s.mp3' < /dev/null" +
+                               QString(kFixCheckTail)}));
+}
+
+TEST(ShDialect, CheckedStep_ErrorOutputToTheLog_StatusAndStepToTheRecord_MarkerGoes) {
+    ShDialect sh;
+    ScriptDialect::StepCheck check = fixCheck();
+    check.step = 3;
+    check.errorLog = "/a/JoinStep.log";
+    EXPECT_EQ(sh.checkedStep("cat '/m/c' >> '/o/t' < /dev/null", check),
+              "{ cat '/m/c' >> '/o/t' < /dev/null; } 2> '/a/JoinStep.log' || { echo \"$?\" 3 > "
+              "'/a/JoinStep.failed'; rmdir '/a/JoinTemp'; exit 1; }");
+    // No record named: the command as it stands.
+    EXPECT_EQ(sh.checkedStep("true", ScriptDialect::StepCheck{}), "true");
 }
 
 TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
     ShDialect sh;
     EXPECT_EQ(sh.mpegJoinLine("/a/MPEG.exe", {"/m/1.mpg", "/m/2.mpg"}, "/o/t.vlr.mpg"),
               "'/a/MPEG.exe' -j -f --force '/m/1.mpg' '/m/2.mpg' -o '/o/t.vlr.mpg' < /dev/null");
-    EXPECT_EQ(sh.mpeg2FixLine("/a/MPEG2.exe", "/o/t.vlr.mpg", "/o/t"),
-              "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -i '/o/t.vlr.mpg' -c copy -f vob -y "
-              "'/o/t' < /dev/null");
+    ScriptDialect::MpegRemake remake;
+    remake.tool = "/a/MPEG2.exe";
+    remake.tempFile = "/o/t.vlr.mpg";
+    remake.outputFile = "/o/t";
+    remake.probeBytes = 3000000000;
+    remake.check = fixCheck();
+    // Every stream but data streams, in their order, found in the whole join.
+    EXPECT_EQ(sh.mpeg2FixLine(remake),
+              "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -analyzeduration 360000000000 -probesize "
+              "3000000000 -i '/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f vob -y '/o/t' < /dev/null" +
+                  QString(kFixCheckTail));
     EXPECT_TRUE(sh.remakesMpeg1());
-    EXPECT_EQ(sh.mpeg1FixLine("/a/MPEG2.exe", "/o/t.vlr.mpg", "/o/t"),
-              "'/a/MPEG2.exe' -nostdin -i '/o/t.vlr.mpg' -c copy -f mpeg -y '/o/t' < /dev/null");
+    // A small join is read as far as the tool reads by itself at the least.
+    remake.probeBytes = 20000;
+    EXPECT_EQ(sh.mpeg1FixLine(remake),
+              "'/a/MPEG2.exe' -nostdin -analyzeduration 360000000000 -probesize 5000000 -i "
+              "'/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f mpeg -y '/o/t' < /dev/null" +
+                  QString(kFixCheckTail));
 }
 
 }  // namespace

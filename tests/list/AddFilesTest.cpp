@@ -101,7 +101,7 @@ TEST(AddFiles, DialogIsSetUpForTheListType) {
     EXPECT_EQ(mp3.flags, 2621956);
     EXPECT_EQ(mp3.maxFileSize, 32000);
     EXPECT_EQ(t.questions.dialogsShown.at(1).filter,
-              "MPEG Files|*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat|All Files|*.*");
+              "MPEG Files|*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat;*.vob|All Files|*.*");
 }
 
 TEST(AddFiles, UnknownListType_KeepsThePreviousFilter) {
@@ -223,14 +223,14 @@ TEST(FolderFileNames, MatchesWithoutCaseSortsWithoutCaseLeavesHiddenOut) {
     EXPECT_EQ(FolderFileNames(dir.path(), "*.mp3"), QStringList({"A.MP3", "b.mp3", "C.Mp3"}));
 }
 
-TEST(FolderFileNames, MpegPatterns_AllSixExtensions) {
+TEST(FolderFileNames, MpegPatterns_AllSevenExtensions) {
     QTemporaryDir dir;
     for (const char* n :
-         {"1.mpg", "2.MPEG", "3.mpe", "4.m2v", "5.mp2", "6.dat", "7.mp3", "8.avi"}) {
+         {"1.mpg", "2.MPEG", "3.mpe", "4.m2v", "5.mp2", "6.dat", "7.VOB", "8.mp3", "9.avi"}) {
         touch(dir.filePath(n));
     }
     EXPECT_EQ(FolderFileNames(dir.path(), FolderPattern("MPEG")),
-              QStringList({"1.mpg", "2.MPEG", "3.mpe", "4.m2v", "5.mp2", "6.dat"}));
+              QStringList({"1.mpg", "2.MPEG", "3.mpe", "4.m2v", "5.mp2", "6.dat", "7.VOB"}));
 }
 
 TEST(FolderFilePath, RootFolder_GivesTwoSeparatorsAndTheNameStillReads) {
@@ -314,7 +314,7 @@ TEST(AddFolderFiles, MpegList_UsesTheMpegPattern) {
     }
     EventTurns turns;
     AddFolderFiles(t.model, dir.path());
-    EXPECT_EQ(t.column(0), QStringList({"b.mpg", "d.dat"}));
+    EXPECT_EQ(t.column(0), QStringList({"b.mpg", "c.VOB", "d.dat"}));
 }
 
 TEST(AddFolderFiles, Cancel_EndsTheFolderAndUpdatesTotals) {

@@ -12,6 +12,7 @@
 #include "list/FillListItem.h"
 #include "list/ListFunctions.h"
 #include "list/MainModel.h"
+#include "support/FileSizeLimit.h"
 #include "support/TestEnvironment.h"
 #include "ui/ListViewControl.h"
 #include "ui/StatusBarControl.h"
@@ -135,26 +136,120 @@ TEST(ChangeListType, WithRowsCancel_NothingChanges) {
     EXPECT_EQ(f.model().items.count(), 2);
 }
 
-TEST(ChangeListType, RealRoutines_YesAndCancelledSave_ClearsAndChangesColumns) {
-    // The window's own wiring: the list routines do the work.
+// A window with its own wiring (the list routines do the work), a settings
+// folder of its own, an MP3 list of two rows and a counter of program ends.
+struct RealWindow {
+    RealWindow() {
+        SetAppDataFolder(dir.path());
+        window.exitProgram = [this] { ++exits; };
+        NewItemList(window.model(), "MP3");
+        window.model().items.addRow("a.mp3");
+        window.model().items.setCell(1, 3, "/music/a.mp3");
+        window.model().items.addRow("b.mp3");
+        window.model().items.setCell(2, 3, "/music/b.mp3");
+        title = window.model().state.windowTitle();
+    }
+    ~RealWindow() { SetAppDataFolder(QString()); }
+
+    // The list as it stood: rows, type, columns and title.
+    void expectTheListKept() {
+        EXPECT_EQ(window.model().items.count(), 2);
+        EXPECT_EQ(window.model().items.cell(2, 3), "/music/b.mp3");
+        EXPECT_EQ(window.model().state.listType(), "MP3");
+        EXPECT_EQ(window.model().items.headerCount(), 12);
+        EXPECT_EQ(window.model().state.windowTitle(), title);
+        EXPECT_EQ(window.model().state.listFileName(), "");
+    }
+    // A path in a folder that is not there: the save is refused.
+    QString refusedPath() const { return dir.filePath("gone/list.vlr"); }
+    void expectUnableToSave(const QString& path) {
+        ASSERT_EQ(questions.asked.size(), 2);
+        EXPECT_TRUE(questions.asked[1].prompt.startsWith("Unable to save the list!\r\n" + path))
+            << questions.asked[1].prompt.toStdString();
+        EXPECT_EQ(questions.asked[1].style, Msg::OkOnly + Msg::Critical);
+    }
+
+    QTemporaryDir dir;
     ScriptedQuestions questions;
     MemoryClipboard clipboard;
-    MainWindow window(questions, clipboard);
-    NewItemList(window.model(), "MP3");
-    ASSERT_EQ(window.model().items.headerCount(), 12);
-    window.model().items.addRow("a.mp3");
-    window.model().items.addRow("b.mp3");
-    const QString title = window.model().state.windowTitle();
-    questions.answer(Msg::Yes);
-    questions.cancelDialog();
-    window.changeListType();
-    EXPECT_EQ(window.model().items.count(), 0);
-    EXPECT_EQ(window.model().state.listType(), "MPEG");
-    EXPECT_EQ(window.model().items.headerCount(), 7);
-    EXPECT_EQ(window.model().items.header(3).text, "Filepath");
-    EXPECT_EQ(window.model().items.header(3).width, 0);
-    EXPECT_EQ(questions.dialogsShown.size(), 1);
-    EXPECT_EQ(window.model().state.windowTitle(), title);
+    MainWindow window{questions, clipboard};
+    QString title;
+    int exits = 0;
+};
+
+TEST(ChangeListType, RealRoutines_YesAndCancelledSave_KeepsListTypeAndTitle) {
+    RealWindow w;
+    w.questions.answer(Msg::Yes);
+    w.questions.cancelDialog();
+    w.window.changeListType();
+    EXPECT_EQ(w.questions.dialogsShown.size(), 1);
+    w.expectTheListKept();
+}
+
+TEST(ChangeListType, RealRoutines_YesAndASaveTheFolderRefuses_KeepsListTypeAndTitle) {
+    RealWindow w;
+    w.questions.answer(Msg::Yes);
+    w.questions.chooseFile(w.refusedPath());
+    w.window.changeListType();
+    w.expectUnableToSave(w.refusedPath());
+    w.expectTheListKept();
+}
+
+TEST(ChangeListType, RealRoutines_YesAndASaveThatWrites_ClearsAndChangesColumns) {
+    RealWindow w;
+    const QString path = w.dir.filePath("list.vlr");
+    w.questions.answer(Msg::Yes);
+    w.questions.chooseFile(path);
+    w.window.changeListType();
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_EQ(w.window.model().items.count(), 0);
+    EXPECT_EQ(w.window.model().state.listType(), "MPEG");
+    EXPECT_EQ(w.window.model().items.headerCount(), 7);
+    EXPECT_EQ(w.window.model().items.header(3).text, "Filepath");
+    EXPECT_EQ(w.window.model().items.header(3).width, 0);
+}
+
+TEST(MainWindowClose, RealRoutines_YesAndASaveTheFolderRefuses_KeepsTheWindowAndTheList) {
+    RealWindow w;
+    w.window.show();
+    w.questions.answer(Msg::Yes);
+    w.questions.chooseFile(w.refusedPath());
+    EXPECT_FALSE(w.window.close());
+    w.expectUnableToSave(w.refusedPath());
+    EXPECT_EQ(w.exits, 0);
+    EXPECT_TRUE(w.window.isVisible());
+    w.expectTheListKept();
+}
+
+TEST(MainWindowClose, RealRoutines_YesAndAFullDisk_KeepsTheWindowAndTheList) {
+    RealWindow w;
+    w.window.show();
+    const QString path = w.dir.filePath("list.vlr");
+    w.questions.answer(Msg::Yes);
+    w.questions.chooseFile(path);
+    // A list file far beyond the room left; the settings file still fits.
+    w.window.model().items.setCell(1, 4, QString(20000, u'x'));
+    {
+        FileSizeLimit limit(4096);
+        ASSERT_TRUE(limit.active());
+        EXPECT_FALSE(w.window.close());
+    }
+    w.expectUnableToSave(path);
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(w.exits, 0);
+    EXPECT_TRUE(w.window.isVisible());
+    w.expectTheListKept();
+}
+
+TEST(MainWindowClose, RealRoutines_YesAndASaveThatWrites_EndsTheProgram) {
+    RealWindow w;
+    w.window.show();
+    const QString path = w.dir.filePath("list.vlr");
+    w.questions.answer(Msg::Yes);
+    w.questions.chooseFile(path);
+    w.window.close();
+    EXPECT_EQ(w.exits, 1);
+    EXPECT_TRUE(QFile::exists(path));
 }
 
 TEST(ChangeListType, ListWithAFileName_KeepsTheTitleAndTheNextSaveWritesTheEmptyList) {

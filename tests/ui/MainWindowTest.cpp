@@ -470,6 +470,7 @@ TEST(MainWindowClose, YesWithCancelledSaveDialog_KeepsTheWindowAndTheList) {
     f.window->commands().saveList = [&f](short saveAs) {
         f.calls << "SaveList " + QString::number(saveAs);
         f.model().commonDialog.fileName.clear();  // the user cancelled the dialog
+        return false;
     };
     f.questions.answer(Msg::Yes);
     EXPECT_FALSE(f.window->close());
@@ -485,6 +486,7 @@ TEST(MainWindowClose, YesWithSavedList_EndsTheProgram) {
     f.window->commands().saveList = [&f](short saveAs) {
         f.calls << "SaveList " + QString::number(saveAs);
         f.model().commonDialog.fileName = "/lists/a.vlr";
+        return true;
     };
     f.questions.answer(Msg::Yes);
     f.window->close();

@@ -82,7 +82,10 @@ struct WindowFixture {
         auto note = [this](const QString& text) { calls << text; };
         c.newItemList = [note](const QString& t) { note("NewItemList " + t); };
         c.openList = [note] { note("OpenList"); };
-        c.saveList = [note](short s) { note("SaveList " + QString::number(s)); };
+        c.saveList = [note](short s) {
+            note("SaveList " + QString::number(s));
+            return true;
+        };
         c.addFiles = [note] { note("AddFiles"); };
         c.copyItem = [note](int i, short cut) {
             note(QStringLiteral("CopyItem %1 %2").arg(i).arg(cut));
