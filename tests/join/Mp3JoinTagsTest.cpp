@@ -14,6 +14,7 @@
 #include "app/Settings.h"
 #include "join/JoinRunTestBed.h"
 #include "join/StartJoin.h"
+#include "list/Columns.h"
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
 #include "list/ListviewLayout.h"
