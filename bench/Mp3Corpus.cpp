@@ -9,35 +9,50 @@
 
 namespace {
 
-bool Encode(const QString& path, int kbps, int rate, int channels, double seconds, bool tag) {
-    QStringList args{"-nostdin",
-                     "-y",
-                     "-loglevel",
-                     "error",
-                     "-f",
-                     "lavfi",
-                     "-i",
+// The tags a master file carries: none; an ID3v2.4 tag with a front cover
+// and no ID3v1 tag, as encoders and rippers write them today; an ID3v1 tag.
+enum class Tags { None, Id3v24WithCover, Id3v1 };
+
+bool Run(const QStringList& args) {
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"),
+                 QStringList{"-nostdin", "-y", "-loglevel", "error"} + args);
+    return ffmpeg.waitForFinished(120000) && ffmpeg.exitCode() == 0;
+}
+
+bool Encode(const QString& path, int kbps, int rate, int channels, double seconds, Tags tags,
+            const QString& cover) {
+    QStringList args{"-f", "lavfi", "-i",
                      QStringLiteral("sine=frequency=%1:sample_rate=%2:duration=%3")
                          .arg(300 + kbps)
                          .arg(rate)
-                         .arg(seconds),
-                     "-ac",
-                     QString::number(channels),
-                     "-c:a",
-                     "libmp3lame",
-                     "-b:a",
-                     QStringLiteral("%1k").arg(kbps),
-                     "-write_id3v1",
-                     tag ? "1" : "0"};
-    if (tag) {
-        args += {"-metadata", "title=Bench", "-metadata", "artist=Velmora"};
-    } else {
-        args += {"-id3v2_version", "0"};
+                         .arg(seconds)};
+    if (tags == Tags::Id3v24WithCover) {
+        args += {"-i",           cover,           "-map",
+                 "0:a",          "-map",          "1:v",
+                 "-c:v",         "copy",          "-disposition:v",
+                 "attached_pic", "-metadata:s:v", "comment=Cover (front)"};
+    }
+    args += {"-ac",  QString::number(channels),      "-c:a", "libmp3lame",
+             "-b:a", QStringLiteral("%1k").arg(kbps)};
+    switch (tags) {
+        case Tags::None:
+            args += {"-id3v2_version", "0", "-write_id3v1", "0"};
+            break;
+        case Tags::Id3v24WithCover:
+            args +=
+                {"-id3v2_version", "4",         "-write_id3v1",   "0",          "-metadata",
+                 "title=Bench",    "-metadata", "artist=Velmora", "-metadata",  "album=Bench Album",
+                 "-metadata",      "date=2024", "-metadata",      "genre=Rock", "-metadata",
+                 "track=3"};
+            break;
+        case Tags::Id3v1:
+            args +=
+                {"-write_id3v1", "1", "-metadata", "title=Bench", "-metadata", "artist=Velmora"};
+            break;
     }
     args += {"-f", "mp3", path};
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"), args);
-    return ffmpeg.waitForFinished(120000) && ffmpeg.exitCode() == 0;
+    return Run(args);
 }
 
 bool CopyOf(const QString& master, const QString& path) {
@@ -52,18 +67,24 @@ Mp3Corpus::Mp3Corpus(int files) {
     struct Kind {
         int kbps, rate, channels;
         double seconds;
-        bool tag;
+        Tags tags;
     };
-    const Kind kinds[] = {{128, 44100, 2, 30, true},
-                          {192, 48000, 2, 20, false},
-                          {96, 44100, 1, 45, true},
-                          {320, 44100, 2, 10, false},
-                          {64, 32000, 1, 60, true}};
+    const Kind kinds[] = {{128, 44100, 2, 30, Tags::Id3v24WithCover},
+                          {192, 48000, 2, 20, Tags::None},
+                          {96, 44100, 1, 45, Tags::Id3v24WithCover},
+                          {320, 44100, 2, 10, Tags::Id3v1},
+                          {64, 32000, 1, 60, Tags::Id3v24WithCover}};
+    // A cover of a usual size (about 40 KB).
+    const QString cover = dir_.filePath(QStringLiteral("cover.jpg.src"));
+    if (!Run({"-f", "lavfi", "-i", "testsrc2=size=500x500:duration=1", "-frames:v", "1", "-f",
+              "image2", "-c:v", "mjpeg", "-q:v", "3", cover})) {
+        return;
+    }
     QStringList masters;
     int k = 0;
     for (const Kind& kind : kinds) {
         const QString path = dir_.filePath(QStringLiteral("master%1.mp3.src").arg(k++));
-        if (!Encode(path, kind.kbps, kind.rate, kind.channels, kind.seconds, kind.tag)) {
+        if (!Encode(path, kind.kbps, kind.rate, kind.channels, kind.seconds, kind.tags, cover)) {
             return;
         }
         masters.append(path);

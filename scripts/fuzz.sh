@@ -9,7 +9,10 @@
 #
 # Defaults: 1000000 runs, 600 seconds, every target. A crash, a leak or a
 # hang stops the script with the fuzzer's report; the input that caused it is
-# left in build-fuzz/findings.
+# left in build-fuzz/findings. VELMORA_FUZZ_FLAGS adds flags of the fuzzer's
+# own, for example -detect_leaks=0, which checks for leaks once at the end
+# rather than after every input whose allocations do not balance (a target
+# over a library that keeps caches of its own runs far faster so).
 set -eu
 
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
@@ -18,7 +21,7 @@ RUNS=${1:-1000000}
 SECONDS_LIMIT=${2:-600}
 [ $# -gt 0 ] && shift
 [ $# -gt 0 ] && shift
-TARGETS=${*:-"ID3Reader Mp3FrameWalker ListFile IniFile ToolStatus PasteItem"}
+TARGETS=${*:-"ID3Reader Mp3FrameWalker JoinedTag ListFile IniFile ToolStatus PasteItem"}
 
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
     CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja \
@@ -36,8 +39,8 @@ SEEDS=$BUILD_DIR/seeds
 SAMPLES=$ROOT/tests/data/samples
 make_seeds() {
     rm -rf "$SEEDS"
-    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/Mp3FrameWalker" "$SEEDS/ListFile" "$SEEDS/IniFile" "$SEEDS/ToolStatus" \
-        "$SEEDS/PasteItem"
+    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/Mp3FrameWalker" "$SEEDS/JoinedTag" "$SEEDS/ListFile" \
+        "$SEEDS/IniFile" "$SEEDS/ToolStatus" "$SEEDS/PasteItem"
     work=$(mktemp -d)
 
     # MP3 files: a short CBR file with an ID3v1 tag and a VBR one from ffmpeg,
@@ -64,6 +67,26 @@ make_seeds() {
     cat "$work/cbr.mp3" "$work/vbr.mp3" >"$SEEDS/Mp3FrameWalker/mpeg1"
     cat "$work/mpeg2.mp3" "$work/cbr.mp3" >"$SEEDS/Mp3FrameWalker/mpeg2"
     cat "$work/mpeg25.mp3" "$work/mpeg25.mp3" >"$SEEDS/Mp3FrameWalker/mpeg25"
+
+    # Tags for the joined file's tag: a sources file, then the ID3v2 tag and
+    # the ID3v1 tag of each source (ID3v2.3 and 2.4 with a cover, 2.4 with a
+    # chapter, an ID3v1 tag alone), cut apart by "@@@@".
+    ffmpeg -v error -f lavfi -i testsrc=size=32x32:duration=1 -frames:v 1 "$work/cover.png"
+    for version in 3 4; do
+        ffmpeg -v error -f lavfi -i sine=duration=0.1 -i "$work/cover.png" -map 0:a -map 1:v \
+            -c:v copy -disposition:v attached_pic -c:a libmp3lame -id3v2_version $version \
+            -metadata title="Tëst Ω" -metadata album=Seed -metadata artist=Velmora \
+            -metadata track=3 -metadata date=2020 -metadata genre=Rock "$work/tag$version.mp3"
+        # shellcheck disable=SC2046
+        set -- $(od -An -tu1 -j6 -N4 "$work/tag$version.mp3")
+        head -c $((10 + ($1 << 21 | $2 << 14 | $3 << 7 | $4))) "$work/tag$version.mp3" \
+            >"$work/tag$version.id3"
+    done
+    tail -c 128 "$work/cbr.mp3" >"$work/v1.tag"
+    { printf 'Velmora join sources 1\n100 one.mp3\n200 two%%0A.mp3\n@@@@'; cat "$work/tag3.id3"
+      printf '@@@@'; cat "$work/v1.tag"; printf '@@@@'; cat "$work/tag4.id3"; printf '@@@@@@@@'
+      cat "$work/v1.tag"; } >"$SEEDS/JoinedTag/three"
+    { printf '@@@@'; cat "$work/tag4.id3"; } >"$SEEDS/JoinedTag/one"
 
     # List files of both types, and clipboard entries of their rows.
     printf 'VLR List v1.0\r\n<MP3>\r\ncbr.mp3|128|44100|%s|00:00:00|3 KB|Seed|Velmora\r\n' \
@@ -103,7 +126,7 @@ for target in $TARGETS; do
     LSAN_OPTIONS=suppressions=$ROOT/scripts/sanitizer-leaks.supp \
         "$BUILD_DIR/fuzz/fuzz_$target" "$corpus" "$SEEDS/$target" \
         -runs="$RUNS" -max_total_time="$SECONDS_LIMIT" -timeout=10 -rss_limit_mb=2048 \
-        -max_len=8192 -print_final_stats=1 \
+        -max_len=8192 -print_final_stats=1 ${VELMORA_FUZZ_FLAGS:-} \
         -artifact_prefix="$BUILD_DIR/findings/$target-" >"$log" 2>&1 || status=$?
     grep -E '^(#[0-9]+ +DONE|Done [0-9]+ runs|stat::number_of_executed_units|stat::peak_rss_mb)' "$log" || true
     if [ "$status" -ne 0 ]; then

@@ -11,6 +11,7 @@ const QString kSplashscreen = QStringLiteral("Splashscreen");
 const QString kNewList = QStringLiteral("NewList");
 const QString kTips = QStringLiteral("Tips");
 const QString kCommondialog = QStringLiteral("Commondialog");
+const QString kJoin = QStringLiteral("Join");
 
 const QString kDoNotShowAtStartup = QStringLiteral("DoNotShowAtStartup");
 const QString kDoNotAskMeAgain = QStringLiteral("DoNotAskMeAgain");
@@ -18,6 +19,7 @@ const QString kListType = QStringLiteral("ListType");
 const QString kShowAtStartup = QStringLiteral("ShowAtStartup");
 const QString kCount = QStringLiteral("Count");
 const QString kTipPrefix = QStringLiteral("Tip");
+const QString kWriteTagsAndChapters = QStringLiteral("WriteTagsAndChapters");
 
 QString dialogKey(DialogFolder dialog) {
     switch (dialog) {
@@ -72,6 +74,18 @@ bool NewListTypeIsMpeg() {
 
 void SetNewListType(bool mpeg) {
     WriteSetting(kNewList, kListType, mpeg ? QStringLiteral("MPEG") : QStringLiteral("MP3"));
+}
+
+CheckBoxValue JoinWriteTagsAndChapters() {
+    return readCheckBox(kJoin, kWriteTagsAndChapters);
+}
+
+void SetJoinWriteTagsAndChapters(int checkBox) {
+    writeCheckBox(kJoin, kWriteTagsAndChapters, checkBox);
+}
+
+bool JoinWritesTagsAndChapters() {
+    return JoinWriteTagsAndChapters().value_or(1) != 0;
 }
 
 CheckBoxValue TipsShowAtStartup() {

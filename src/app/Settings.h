@@ -30,6 +30,14 @@ void SetNewListType(bool mpeg);
 CheckBoxValue TipsShowAtStartup();
 void SetTipsShowAtStartup(int checkBox);
 
+// [Join] WriteTagsAndChapters: whether an MP3 join writes a tag and one
+// chapter per source into the joined file (the Preferences box).
+CheckBoxValue JoinWriteTagsAndChapters();
+void SetJoinWriteTagsAndChapters(int checkBox);
+// The same as the join reads it: on unless the stored value is 0 (so on when
+// the key is absent).
+bool JoinWritesTagsAndChapters();
+
 // [Tips] Count and Tip1, Tip2...: the number of tips as stored (a text the
 // tips window reads as a number) and the text of tip n.
 QString TipsCountText();

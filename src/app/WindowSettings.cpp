@@ -22,6 +22,7 @@ void SavePreferences(const PreferencesControls& controls) {
     Settings::SetSplashscreenDoNotShowAtStartup(controls.DoNotShowSplashscreenAtStartup);
     Settings::SetNewListDoNotAskMeAgain(controls.DoNotShowNewListDialogAtStartup);
     Settings::SetNewListType(!controls.DefaultListTypeMP3);
+    Settings::SetJoinWriteTagsAndChapters(controls.WriteTagsAndChapters);
 }
 
 void SaveTipsSettings(const TipsControls& controls) {
@@ -44,6 +45,7 @@ void GetPreferences(PreferencesControls& controls) {
         controls.DefaultListTypeMPEG = true;
         controls.DefaultListTypeMP3 = false;
     }
+    setCheckBox(controls.WriteTagsAndChapters, Settings::JoinWriteTagsAndChapters());
 }
 
 void GetTipsSettings(TipsControls& controls) {

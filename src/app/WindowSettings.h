@@ -18,6 +18,7 @@ struct PreferencesControls {
     int DoNotShowNewListDialogAtStartup = 0;
     bool DefaultListTypeMP3 = true;  // the design state: MP3 selected
     bool DefaultListTypeMPEG = false;
+    int WriteTagsAndChapters = 1;  // on by default
 };
 
 // The Tips window.

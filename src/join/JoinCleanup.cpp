@@ -34,7 +34,8 @@ void RemoveMarkerAndScripts() {
     if (QFileInfo(marker).isDir()) {
         QDir().rmdir(marker);
     }
-    for (const QString& script : {kTempFileScript, kMp3Script, kMpeg2Script, kMpeg1Script}) {
+    for (const QString& script :
+         {kTempFileScript, kMp3Script, kMpeg2Script, kMpeg1Script, kMp3Sources}) {
         deleteIfPresent(script);
     }
 }

@@ -13,7 +13,8 @@ class JoinWizardState;
 // the tools MP3.exe, MPEG.exe, MPEG2.exe and their libraries. The items of the
 // list and the tools in InstallFolder are never touched.
 
-// Removes JoinTemp and deletes the scripts, in this order.
+// Removes JoinTemp and deletes the scripts and the MP3 join's sources file, in
+// this order.
 void RemoveMarkerAndScripts();
 
 // Ends every process named like a tool whose copy lies in AppDataFolder: a

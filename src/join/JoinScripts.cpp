@@ -2,13 +2,17 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <vector>
 
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "app/Settings.h"
 #include "app/Version.h"
 #include "join/ShDialect.h"
 #include "list/Columns.h"
 #include "list/MainModel.h"
+#include "mpegaudio/JoinSources.h"
+#include "platform/FileHelpers.h"
 
 namespace {
 
@@ -69,6 +73,27 @@ void writeScript(const QString& path, const QStringList& lines, const ScriptDial
         return;
     }
     file.write(text.toUtf8());
+}
+
+// The sources file of an MP3 join: each item's length as it is now and its
+// file name, in list order.
+void writeMp3Sources(const MainModel& model) {
+    const QString path = AppDataPath(JoinNames::kMp3Sources);
+    QFile::remove(path);
+    if (!Settings::JoinWritesTagsAndChapters()) {
+        return;
+    }
+    std::vector<JoinSource> sources;
+    for (int position = 1; position <= model.items.count(); ++position) {
+        const QString item = model.items.cell(position, SharedCell::Filepath);
+        const QFileInfo info(item);
+        sources.push_back({static_cast<std::uint64_t>(info.isFile() ? info.size() : 0),
+                           GetFileNameFromPath(item).toStdString()});
+    }
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        file.write(QByteArray::fromStdString(FormatJoinSources(sources)));
+    }
 }
 
 }  // namespace
@@ -211,6 +236,7 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     if (fixScript == kMp3Script) {
         copyFromInstallFolder(kMp3ToolSource, kMp3Tool);
         copyFromInstallFolder(kMp3Library, kMp3Library);
+        writeMp3Sources(model);
         const QString script = d.childPath(appData, kMp3Script);
         ScriptDialect::Mp3Fix fix;
         fix.scriptPath = script;

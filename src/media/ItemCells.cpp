@@ -8,6 +8,7 @@
 
 #include "list/Columns.h"
 #include "media/ID3Reader.h"
+#include "media/Id3v2TagCells.h"
 #include "media/MediaInfoFile.h"
 #include "platform/FileHelpers.h"
 
@@ -195,6 +196,12 @@ ItemReading ReadItem(const QString& path, const QString& listType) {
             cells[Mp3Cell::Album] = reader.Album();
             cells[Mp3Cell::Year] = reader.Year();
             cells[Mp3Cell::Genre] = ID3Reader::GenreText(static_cast<std::int16_t>(reader.Genre()));
+        } else if (const std::optional<Id3v2TagCells> tag = ReadId3v2TagCells(path)) {
+            cells[Mp3Cell::Artist] = tag->artist;
+            cells[Mp3Cell::Title] = tag->title;
+            cells[Mp3Cell::Album] = tag->album;
+            cells[Mp3Cell::Year] = tag->year;
+            cells[Mp3Cell::Genre] = tag->genre;
         }
     }
     // One answer of the library holds every value of both the cells and the

@@ -10,11 +10,12 @@
 
 // The texts of one list row for a file, cell by cell: entry i is the text of
 // cell i, as list/Columns.h names them. An MP3 list has the cells of the MP3
-// layout, any other list type those of the MPEG layout. An entry without a
-// value means "leave the cell as it is": the Filepath cell (the path itself)
-// always, the tag cells of
-// an MP3 file without an ID3v1 tag, the date of a missing file, and a value
-// that the media library gave in a form that isn't a number.
+// layout, any other list type those of the MPEG layout. The tag cells of an
+// MP3 file come from its ID3v1 tag, or from its ID3v2 tag when it has no ID3v1
+// tag. An entry without a value means "leave the cell as it is": the Filepath
+// cell (the path itself) always, the tag cells of an MP3 file with neither
+// tag, the date of a missing file, and a value that the media library gave in
+// a form that isn't a number.
 using ItemCellTexts = QList<std::optional<QString>>;
 
 ItemCellTexts ItemCells(const QString& path, const QString& listType);

@@ -10,8 +10,16 @@
 #include <cstring>
 #include <vector>
 
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "mpegaudio/JoinSources.h"
+#include "mpegaudio/JoinedTag.h"
 #include "mpegaudio/Mp3FrameWalker.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
+#include "mpegaudio/TagBytes.h"
 
 namespace Mp3Fixer {
 namespace {
@@ -102,8 +110,8 @@ public:
         buffer_.clear();
         return ok;
     }
-    bool rewrite(const std::uint8_t* data, std::size_t length) {
-        return writeAllAt(fd_, data, length, 0);
+    bool rewrite(const std::uint8_t* data, std::size_t length, std::uint64_t at = 0) {
+        return writeAllAt(fd_, data, length, static_cast<off_t>(at));
     }
     bool close() {
         const int fd = fd_;
@@ -235,9 +243,145 @@ MpegFrameHeader headerFrameHeader(const MpegFrameHeader& first, const HeaderFram
     return plain.withField(17, 4, static_cast<std::uint32_t>(index));
 }
 
+// Up to count bytes of the file at offset (fewer where the file ends).
+TagLib::ByteVector readAt(int fd, std::uint64_t offset, std::uint64_t count) {
+    TagLib::ByteVector bytes(static_cast<unsigned int>(count), '\0');
+    std::size_t got = 0;
+    while (got < count) {
+        const ssize_t read = ::pread(fd, bytes.data() + got, static_cast<std::size_t>(count) - got,
+                                     static_cast<off_t>(offset + got));
+        if (read < 0 && errno == EINTR) {
+            continue;
+        }
+        if (read <= 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(read);
+    }
+    bytes.resize(static_cast<unsigned int>(got));
+    return bytes;
+}
+
+// The tags of the source that lies at start in the raw join: only their bytes
+// are read, the ID3v2 tag at the start and the ID3v1 tag in the last 128 bytes.
+JoinSourceTags readSourceTags(int fd, std::uint64_t start, std::uint64_t length,
+                              const std::string& name) {
+    constexpr std::uint64_t kId3v1Bytes = 128;
+    // The largest size an ID3v2 header can state, with header and footer.
+    constexpr std::uint64_t kMostId3v2Bytes = (1u << 28) + 20;
+    JoinSourceTags tags;
+    tags.name = name;
+    const TagLib::ByteVector head = readAt(fd, start, std::min<std::uint64_t>(10, length));
+    const std::uint64_t tagLength =
+        Id3v2TagLength(reinterpret_cast<const std::uint8_t*>(head.data()), head.size());
+    if (tagLength > 0) {
+        tags.id3v2 = readAt(fd, start, std::min({tagLength, length, kMostId3v2Bytes}));
+    }
+    if (length >= kId3v1Bytes) {
+        TagLib::ByteVector tail = readAt(fd, start + length - kId3v1Bytes, kId3v1Bytes);
+        if (tail.startsWith("TAG")) {
+            tags.id3v1 = tail;
+        }
+    }
+    return tags;
+}
+
+// The joined file's tag and the chapter of each audio frame: each source's
+// first audio frame starts its chapter, on the clock of the frames written.
+class Tagging {
+public:
+    Tagging(const std::string& output, bool chapters) : tag(output, chapters) {}
+
+    JoinedTag tag;
+    std::vector<std::uint64_t> starts;  // of each source in the raw join
+    TagLib::ByteVector bytes;           // as first written: its length is fixed
+
+    void audio(std::uint64_t offset, const MpegFrameHeader& header) {
+        while (current_ + 1 < starts.size() && offset >= starts[current_ + 1]) {
+            ++current_;
+        }
+        if (current_ < starts.size() && firstSeconds_.size() <= current_) {
+            firstSeconds_.resize(current_ + 1, -1.0);
+        }
+        if (current_ < firstSeconds_.size() && firstSeconds_[current_] < 0) {
+            firstSeconds_[current_] = seconds_;
+        }
+        seconds_ += static_cast<double>(header.samplesPerFrame()) / header.sampleRateHz();
+    }
+
+    // The tag with the chapter times, on the playback clock: less the delay
+    // before the first sound, and ending before the last padding.
+    TagLib::ByteVector finalBytes(double delaySeconds, double paddingSeconds) {
+        const auto ms = [](double seconds) {
+            return static_cast<std::uint32_t>(
+                std::llround(std::clamp(seconds, 0.0, 4294967.0) * 1000.0));
+        };
+        const double end = seconds_ - delaySeconds - paddingSeconds;
+        std::vector<std::uint32_t> startsMs(starts.size());
+        // A source without an audio frame starts where the next one does.
+        double next = seconds_;
+        for (std::size_t i = starts.size(); i-- > 0;) {
+            const double first = i < firstSeconds_.size() ? firstSeconds_[i] : -1.0;
+            if (first >= 0) {
+                next = first;
+            }
+            startsMs[i] = i == 0 ? 0 : std::min(ms(next - delaySeconds), ms(end));
+        }
+        return tag.render(startsMs, ms(end));
+    }
+
+private:
+    std::size_t current_ = 0;
+    std::vector<double> firstSeconds_;
+    double seconds_ = 0;
+};
+
+std::unique_ptr<Tagging> prepareTagging(int in, const std::string& output,
+                                        const std::string& sourcesFile, std::string& warning) {
+    struct stat status {};
+    const std::uint64_t inputLength =
+        ::fstat(in, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    std::ifstream file(sourcesFile, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(file)),
+                           std::istreambuf_iterator<char>());
+    std::vector<JoinSource> sources;
+    const bool parsed = ParseJoinSources(text, sources);
+    std::uint64_t total = 0;
+    bool addsUp = true;
+    for (const JoinSource& source : sources) {
+        addsUp = addsUp && total + source.length >= total;
+        total += source.length;
+    }
+    if (!parsed || sources.empty() || !addsUp || total != inputLength) {
+        warning = !parsed || sources.empty()
+                      ? "no chapters: cannot read the sources in " + sourcesFile
+                      : "no chapters: the sources' lengths add up to " + std::to_string(total) +
+                            " bytes, not the " + std::to_string(inputLength) + " of the input";
+        auto tagging = std::make_unique<Tagging>(output, false);
+        JoinSourceTags first = readSourceTags(in, 0, inputLength, std::string());
+        first.id3v1.clear();
+        tagging->tag.addSource(first);
+        return tagging;
+    }
+    auto tagging = std::make_unique<Tagging>(output, true);
+    std::uint64_t start = 0;
+    for (const JoinSource& source : sources) {
+        tagging->starts.push_back(start);
+        tagging->tag.addSource(readSourceTags(in, start, source.length, source.name));
+        start += source.length;
+    }
+    return tagging;
+}
+
 }  // namespace
 
 Status FixFile(const std::string& input, const std::string& output, std::string& error) {
+    std::string warning;
+    return FixFile(input, output, std::string(), error, warning);
+}
+
+Status FixFile(const std::string& input, const std::string& output, const std::string& sourcesFile,
+               std::string& error, std::string& warning) {
     const int in = ::open(input.c_str(), O_RDONLY | O_CLOEXEC);
     if (in < 0) {
         error = "cannot read " + input + ": " + reason();
@@ -247,6 +391,13 @@ Status FixFile(const std::string& input, const std::string& output, std::string&
         int fd;
         ~InputCloser() { ::close(fd); }
     } closer{in};
+    // The tag's length is known before the first byte is written.
+    const std::unique_ptr<Tagging> tagging =
+        sourcesFile.empty() ? nullptr : prepareTagging(in, output, sourcesFile, warning);
+    if (tagging) {
+        tagging->bytes = tagging->tag.render({}, 0);
+    }
+    const std::uint64_t tagLength = tagging ? tagging->bytes.size() : 0;
     FileSource source(in);
     Mp3FrameWalker walker(source);
     HeaderFrames headers;
@@ -274,7 +425,12 @@ Status FixFile(const std::string& input, const std::string& output, std::string&
     WriteHeaderFrame(header, content, headerFrame.data());
 
     Output out(output);
-    if (!out.open() || !out.append(headerFrame.data(), headerFrame.size())) {
+    const bool tagWritten =
+        !tagging ||
+        (out.open() && out.append(reinterpret_cast<const std::uint8_t*>(tagging->bytes.data()),
+                                  tagging->bytes.size()));
+    if (!tagWritten || (!tagging && !out.open()) ||
+        !out.append(headerFrame.data(), headerFrame.size())) {
         error = "cannot write " + output + ": " + reason();
         return WriteError;
     }
@@ -285,8 +441,11 @@ Status FixFile(const std::string& input, const std::string& output, std::string&
     for (; item != Mp3FrameWalker::Item::End; item = walker.next()) {
         switch (item) {
             case Mp3FrameWalker::Item::Audio:
-                seekTable.frame(frames, out.written());
+                seekTable.frame(frames, out.written() - tagLength);
                 ++frames;
+                if (tagging) {
+                    tagging->audio(walker.offset(), walker.header());
+                }
                 headers.audio();
                 oneBitrate = oneBitrate &&
                              walker.header().bitrateIndex() == header.bitrateIndex() &&
@@ -314,7 +473,7 @@ Status FixFile(const std::string& input, const std::string& output, std::string&
         return WriteError;
     }
 
-    const std::uint64_t bytes = out.written();
+    const std::uint64_t bytes = out.written() - tagLength;
     content.info = oneBitrate;
     content.frames = static_cast<std::uint32_t>(std::min<std::uint64_t>(frames, UINT32_MAX));
     content.bytes = static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, UINT32_MAX));
@@ -333,7 +492,19 @@ Status FixFile(const std::string& input, const std::string& output, std::string&
         content.musicCrc = musicCrc;
     }
     WriteHeaderFrame(header, content, headerFrame.data());
-    if (!out.rewrite(headerFrame.data(), headerFrame.size()) || !out.close()) {
+    bool tagRewritten = true;
+    if (tagging) {
+        const double rate = first.sampleRateHz();
+        const TagLib::ByteVector bytes =
+            tagging->finalBytes(content.withLame ? content.delay / rate : 0.0,
+                                content.withLame ? content.padding / rate : 0.0);
+        // Only the times differ from the tag written first.
+        tagRewritten =
+            bytes.size() == tagging->bytes.size() &&
+            out.rewrite(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    }
+    if (!tagRewritten || !out.rewrite(headerFrame.data(), headerFrame.size(), tagLength) ||
+        !out.close()) {
         error = "cannot write " + output + ": " + reason();
         return WriteError;
     }

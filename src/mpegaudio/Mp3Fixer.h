@@ -26,4 +26,15 @@ enum Status {
 // Fixes input into output; on failure error holds one line that says why.
 Status FixFile(const std::string& input, const std::string& output, std::string& error);
 
+// The same, with one ID3v2.3 tag in front of the audio (see JoinedTag) made
+// from the sources that the file sourcesFile lists (see JoinSources): where
+// each source lies in input, so its tags are read from there, and which
+// chapter each audio frame belongs to. The tag's length is fixed before the
+// audio is written and its chapter times are filled in at the end. A sources
+// file that cannot be read, or whose lengths do not add up to the input's,
+// gives a tag without chapters, taken from the tag at the input's start; then
+// warning holds one line that says why. An empty sourcesFile is FixFile above.
+Status FixFile(const std::string& input, const std::string& output, const std::string& sourcesFile,
+               std::string& error, std::string& warning);
+
 }  // namespace Mp3Fixer

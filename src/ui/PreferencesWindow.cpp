@@ -19,7 +19,7 @@ namespace {
 // Window lengths are laid out in twips, 15 to a pixel.
 // Wide enough for the whole line under the title in the program's font.
 constexpr int kInnerWidth = 5400;
-constexpr int kInnerHeight = 3360;
+constexpr int kInnerHeight = 3840;
 
 // Check boxes keep their stored value: 0 clear, 1 checked, 2 greyed.
 int checkValue(const QCheckBox* box) {
@@ -83,9 +83,15 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     typeMpeg_->setObjectName(QStringLiteral("DefaultListTypeMPEG"));
     typeMpeg_->setGeometry(Twips::rect(3120, 1080, 1100, 300));
 
+    writeTagsAndChapters_ =
+        new QCheckBox(QStringLiteral("Write tags and chapters into joined MP3 files"), this);
+    writeTagsAndChapters_->setObjectName(QStringLiteral("WriteTagsAndChapters"));
+    writeTagsAndChapters_->setGeometry(Twips::rect(360, 2820, kInnerWidth - 720, 300));
+    writeTagsAndChapters_->setChecked(true);
+
     closeButton_ = new QPushButton(QStringLiteral("&Close"), this);
     closeButton_->setObjectName(QStringLiteral("CloseButton"));
-    closeButton_->setGeometry(Twips::rect(kInnerWidth - 1095, 2850, 975, 375));
+    closeButton_->setGeometry(Twips::rect(kInnerWidth - 1095, 3330, 975, 375));
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
 
     // Ford lies below the visible area; it only takes the focus.
@@ -98,7 +104,8 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     setTabOrder(doNotShowSplash_, doNotShowNewList_);
     setTabOrder(doNotShowNewList_, typeMp3_);
     setTabOrder(typeMp3_, typeMpeg_);
-    setTabOrder(typeMpeg_, closeButton_);
+    setTabOrder(typeMpeg_, writeTagsAndChapters_);
+    setTabOrder(writeTagsAndChapters_, closeButton_);
     ford_->setFocus();
 
     getPreferences();
@@ -115,6 +122,7 @@ void PreferencesWindow::getPreferences() {
     controls.DoNotShowNewListDialogAtStartup = checkValue(doNotShowNewList_);
     controls.DefaultListTypeMP3 = typeMp3_->isChecked();
     controls.DefaultListTypeMPEG = typeMpeg_->isChecked();
+    controls.WriteTagsAndChapters = checkValue(writeTagsAndChapters_);
     GetPreferences(controls);
     setCheckValue(doNotShowSplash_, controls.DoNotShowSplashscreenAtStartup);
     setCheckValue(doNotShowNewList_, controls.DoNotShowNewListDialogAtStartup);
@@ -123,6 +131,7 @@ void PreferencesWindow::getPreferences() {
     } else if (controls.DefaultListTypeMP3) {
         typeMp3_->setChecked(true);
     }
+    setCheckValue(writeTagsAndChapters_, controls.WriteTagsAndChapters);
 }
 
 void PreferencesWindow::savePreferences() {
@@ -131,5 +140,6 @@ void PreferencesWindow::savePreferences() {
     controls.DoNotShowNewListDialogAtStartup = checkValue(doNotShowNewList_);
     controls.DefaultListTypeMP3 = typeMp3_->isChecked();
     controls.DefaultListTypeMPEG = typeMpeg_->isChecked();
+    controls.WriteTagsAndChapters = checkValue(writeTagsAndChapters_);
     SavePreferences(controls);
 }

@@ -96,13 +96,15 @@ TEST_F(WindowSettingsTest, SaveNewListSettings_WritesBothKeys) {
     EXPECT_EQ(settingsBytes(), QByteArray("[NewList]\nDoNotAskMeAgain=1\nListType=MPEG\n"));
 }
 
-TEST_F(WindowSettingsTest, SavePreferences_WritesThreeKeysInOrder) {
+TEST_F(WindowSettingsTest, SavePreferences_WritesFourKeysInOrder) {
     PreferencesControls controls;
     controls.DoNotShowSplashscreenAtStartup = 1;
     controls.DoNotShowNewListDialogAtStartup = 0;
+    controls.WriteTagsAndChapters = 0;
     SavePreferences(controls);
     EXPECT_EQ(settingsBytes(), QByteArray("[Splashscreen]\nDoNotShowAtStartup=1\n"
-                                          "[NewList]\nDoNotAskMeAgain=0\nListType=MP3\n"));
+                                          "[NewList]\nDoNotAskMeAgain=0\nListType=MP3\n"
+                                          "[Join]\nWriteTagsAndChapters=0\n"));
 }
 
 TEST_F(WindowSettingsTest, GetPreferences_ReadsWhatSavePreferencesWrote) {
@@ -111,9 +113,11 @@ TEST_F(WindowSettingsTest, GetPreferences_ReadsWhatSavePreferencesWrote) {
     written.DoNotShowNewListDialogAtStartup = 1;
     written.DefaultListTypeMP3 = false;
     written.DefaultListTypeMPEG = true;
+    written.WriteTagsAndChapters = 0;
     SavePreferences(written);
     PreferencesControls read;
     GetPreferences(read);
+    EXPECT_EQ(read.WriteTagsAndChapters, 0);
     EXPECT_EQ(read.DoNotShowSplashscreenAtStartup, 1);
     EXPECT_EQ(read.DoNotShowNewListDialogAtStartup, 1);
     EXPECT_TRUE(read.DefaultListTypeMPEG);

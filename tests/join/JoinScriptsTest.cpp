@@ -3,9 +3,12 @@
 #include <QFileInfo>
 
 #include "ScriptTestSupport.h"
+#include "app/Settings.h"
 #include "join/BatchDialect.h"
+#include "join/JoinCleanup.h"
 #include "join/JoinScripts.h"
 #include "join/ShDialect.h"
+#include "mpegaudio/JoinSources.h"
 
 namespace {
 
@@ -584,3 +587,38 @@ TEST_F(JoinScriptsTest, LoggingOff_WritesNoRecordAnywhere) {
 }
 
 }  // namespace
+
+TEST_F(JoinScriptsTest, Mp3List_SourcesFileListsEachItemsLengthAndName_UnlessTagsAreOff) {
+    ScriptTestBed::writeFile(items[0], QByteArray(1000, 'a'));
+    ScriptTestBed::writeFile(items[1], QByteArray(25, 'b'));
+    items[2] = bed.media + QStringLiteral("/three\nlines 100%.mp3");
+    ScriptTestBed::writeFile(items[2], QByteArray(7, 'c'));
+    bed.makeMp3List(items);
+    write(sh);
+    std::vector<JoinSource> sources;
+    ASSERT_TRUE(
+        ParseJoinSources(ScriptTestBed::readFile(app("JoinSources.txt")).toStdString(), sources));
+    ASSERT_EQ(sources.size(), 3u);
+    EXPECT_EQ(sources[0].length, 1000u);
+    EXPECT_EQ(sources[0].name, "one.mp3");
+    EXPECT_EQ(sources[1].length, 25u);
+    EXPECT_EQ(sources[2].length, 7u);
+    EXPECT_EQ(sources[2].name, "three\nlines 100%.mp3");
+
+    // With the box off no sources file is written, and an earlier one goes.
+    Settings::SetJoinWriteTagsAndChapters(0);
+    write(sh);
+    EXPECT_FALSE(QFile::exists(app("JoinSources.txt")));
+    Settings::SetJoinWriteTagsAndChapters(1);
+    write(batch);
+    EXPECT_TRUE(QFile::exists(app("JoinSources.txt")));
+    // The clean-up removes it with the scripts.
+    RemoveMarkerAndScripts();
+    EXPECT_FALSE(QFile::exists(app("JoinSources.txt")));
+}
+
+TEST_F(JoinScriptsTest, MpegList_WritesNoSourcesFile) {
+    bed.makeMpegList({bed.media + "/a.mpg", bed.media + "/b.mpg"}, "MPEG-2V");
+    write(sh);
+    EXPECT_FALSE(QFile::exists(app("JoinSources.txt")));
+}

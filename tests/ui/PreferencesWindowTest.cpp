@@ -12,6 +12,7 @@
 #include "WindowPicture.h"
 #include "app/AppPaths.h"
 #include "app/IniFile.h"
+#include "app/Settings.h"
 #include "list/MainModel.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
@@ -83,10 +84,32 @@ TEST_F(PreferencesWindowTest, Controls_HaveTheirNamesCaptionsAndTabOrder) {
     }
     EXPECT_TRUE(frame->rect().contains(splash->geometry()));
 
-    EXPECT_EQ(
-        tabOrder(window, ford),
-        (QStringList{"Ford", "DoNotShowSplashscreenAtStartup", "DoNotShowNewListDialogAtStartup",
-                     "DefaultListTypeMP3", "DefaultListTypeMPEG", "CloseButton"}));
+    EXPECT_EQ(tabOrder(window, ford),
+              (QStringList{"Ford", "DoNotShowSplashscreenAtStartup",
+                           "DoNotShowNewListDialogAtStartup", "DefaultListTypeMP3",
+                           "DefaultListTypeMPEG", "WriteTagsAndChapters", "CloseButton"}));
+}
+
+TEST_F(PreferencesWindowTest, WriteTagsAndChapters_OnByDefaultAndSavedWhenCleared) {
+    EXPECT_TRUE(Settings::JoinWritesTagsAndChapters());
+    PreferencesWindow window(model);
+    auto* box = child<QCheckBox>(window, "WriteTagsAndChapters");
+    EXPECT_EQ(box->text(), "Write tags and chapters into joined MP3 files");
+    EXPECT_TRUE(window.rect().contains(box->geometry()));
+    EXPECT_TRUE(box->isChecked());
+    window.show();
+    box->click();
+    window.close();
+    EXPECT_EQ(ReadSetting("Join", "WriteTagsAndChapters"), "0");
+    EXPECT_FALSE(Settings::JoinWritesTagsAndChapters());
+
+    PreferencesWindow again(model);
+    EXPECT_FALSE(child<QCheckBox>(again, "WriteTagsAndChapters")->isChecked());
+    again.show();
+    child<QCheckBox>(again, "WriteTagsAndChapters")->click();
+    child<QPushButton>(again, "CloseButton")->click();
+    EXPECT_EQ(ReadSetting("Join", "WriteTagsAndChapters"), "1");
+    EXPECT_TRUE(Settings::JoinWritesTagsAndChapters());
 }
 
 TEST_F(PreferencesWindowTest, NoSettingsFile_DesignStateAndFirstCloseCreatesTheFile) {

@@ -7,6 +7,13 @@
 // ("--removedId3v1", "--removeId3v2", "--removeUnknown", "--keepLame") are
 // what it always does, and are accepted so. Exit status 0 when OUTPUT is
 // written; otherwise one line on standard error and no OUTPUT.
+//
+// When the join's sources file lies beside the tool (JoinSources.txt, written
+// by the program with the scripts), or is named with "--sources FILE", OUTPUT
+// starts with a tag and one chapter per source; a sources file that does not
+// fit the input gives a tag without chapters and one line on standard error.
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -14,17 +21,41 @@
 
 #include "mpegaudio/Mp3Fixer.h"
 
+namespace {
+
+// The sources file beside the running tool, when there is one.
+std::string sourcesBesideTool() {
+    std::vector<char> path(4096);
+    const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size() - 1);
+    if (length <= 0) {
+        return {};
+    }
+    std::string folder(path.data(), static_cast<std::size_t>(length));
+    folder.erase(folder.rfind('/') + 1);
+    const std::string sources = folder + "JoinSources.txt";
+    return ::access(sources.c_str(), F_OK) == 0 ? sources : std::string();
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     static const char* const kAlwaysDone[] = {"--removedId3v1", "--removeId3v2", "--removeUnknown",
                                               "--keepLame"};
     const char* name = argc > 0 ? std::strrchr(argv[0], '/') : nullptr;
     name = name ? name + 1 : (argc > 0 ? argv[0] : "MP3.exe");
     std::vector<std::string> paths;
+    std::string sources;
+    bool sourcesNamed = false;
     bool options = true;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (options && argument == "--") {
             options = false;
+            continue;
+        }
+        if (options && argument == "--sources" && i + 1 < argc) {
+            sources = argv[++i];
+            sourcesNamed = true;
             continue;
         }
         bool known = false;
@@ -36,11 +67,18 @@ int main(int argc, char** argv) {
         }
     }
     if (paths.size() != 2) {
-        std::fprintf(stderr, "%s: usage: %s [--] INPUT OUTPUT\n", name, name);
+        std::fprintf(stderr, "%s: usage: %s [--sources FILE] [--] INPUT OUTPUT\n", name, name);
         return Mp3Fixer::UsageError;
     }
+    if (!sourcesNamed) {
+        sources = sourcesBesideTool();
+    }
     std::string error;
-    const Mp3Fixer::Status status = Mp3Fixer::FixFile(paths[0], paths[1], error);
+    std::string warning;
+    const Mp3Fixer::Status status = Mp3Fixer::FixFile(paths[0], paths[1], sources, error, warning);
+    if (!warning.empty()) {
+        std::fprintf(stderr, "%s: %s\n", name, warning.c_str());
+    }
     if (status != Mp3Fixer::Fixed) {
         std::fprintf(stderr, "%s: %s\n", name, error.c_str());
     }
