@@ -21,7 +21,8 @@ struct ListTypeChangeSteps {
 // and then change the type of list. Would you like to save your list first?"
 // Yes saves (saveList 0) and clears silently (clearList 0) only when the save
 // really wrote the list (a cancelled save dialog or a failed save keeps list,
-// type and title), No only clears, Cancel changes nothing. Then the columns are laid out anew and the type
-// turns: MPEG after MP3, MP3 after any other type, with its type image. The
-// list file name and the window title stay as they were.
+// type and title), No only clears, Cancel changes nothing. Then the columns
+// are laid out anew and the type turns: MPEG after MP3, MP3 after any other
+// type, with its type image. The list file name and the window title stay as
+// they were.
 void ChangeListType(MainModel& model, const ListTypeChangeSteps& steps);
