@@ -17,24 +17,12 @@
 #include "media/MediaInfoFile.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
 #include "support/MediaMaker.h"
+#include "support/TagByteForms.h"
 
 namespace {
 
-QString probe(const QString& path, const QStringList& entries) {
-    return RunFfprobe(QStringList{QStringLiteral("-v"), QStringLiteral("error")} + entries +
-                      QStringList{QStringLiteral("-of"), QStringLiteral("default=nw=1:nk=1"), path})
-        .trimmed();
-}
-
-long long audioFrames(const QString& path) {
-    return probe(path, {QStringLiteral("-select_streams"), QStringLiteral("a:0"),
-                        QStringLiteral("-count_packets"), QStringLiteral("-show_entries"),
-                        QStringLiteral("stream=nb_read_packets")})
-        .toLongLong();
-}
-
 double ffprobeSeconds(const QString& path) {
-    return probe(path, {QStringLiteral("-show_entries"), QStringLiteral("format=duration")})
+    return ProbeValues(path, {QStringLiteral("-show_entries"), QStringLiteral("format=duration")})
         .toDouble();
 }
 
@@ -53,22 +41,6 @@ QString decodeErrors(const QString& path) {
                    QStringLiteral("-")});
     process.waitForFinished(60000);
     return QString::fromUtf8(process.readAll());
-}
-
-QByteArray be32(quint32 value) {
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(value >> (24 - 8 * i));
-    }
-    return bytes;
-}
-
-QByteArray syncSafe(quint32 value) {
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>((value >> (21 - 7 * i)) & 0x7F);
-    }
-    return bytes;
 }
 
 // The length of the ID3v2 tag at the start of bytes.
@@ -104,7 +76,7 @@ QByteArray picture(quint32 seed, int size) {
 }
 
 QByteArray id3v2Frame(int version, const char* id, const QByteArray& data) {
-    return QByteArray(id) + (version == 4 ? syncSafe(data.size()) : be32(data.size())) +
+    return QByteArray(id) + (version == 4 ? SyncSafeBytes(data.size()) : Be32Bytes(data.size())) +
            QByteArray(2, '\0') + data;
 }
 
@@ -117,7 +89,7 @@ QByteArray id3v2Tag(int version, const QByteArray& pictureBytes, bool footer = f
     if (!footer) {
         body += QByteArray(64, '\0');  // padding
     }
-    const QByteArray size = syncSafe(static_cast<quint32>(body.size()) + statedExtra);
+    const QByteArray size = SyncSafeBytes(static_cast<quint32>(body.size()) + statedExtra);
     const char flags = footer ? 0x10 : 0;
     QByteArray tag = QByteArray("ID3") + char(version) + char(0) + flags + size + body;
     if (footer) {
@@ -159,8 +131,8 @@ QByteArray asVbri(const QByteArray& clean, long long frames) {
     const int length = header.frameLength();
     QByteArray frame = clean.left(4) + QByteArray(length - 4, '\0');
     QByteArray vbri = QByteArray("VBRI") + QByteArray("\x00\x01\x04\x00\x00\x4B", 6) +
-                      be32(static_cast<quint32>(clean.size())) +
-                      be32(static_cast<quint32>(frames)) + QByteArray(8, '\0');
+                      Be32Bytes(static_cast<quint32>(clean.size())) +
+                      Be32Bytes(static_cast<quint32>(frames)) + QByteArray(8, '\0');
     frame.replace(36, vbri.size(), vbri);
     return frame + clean.mid(length);
 }
@@ -191,7 +163,7 @@ protected:
         EXPECT_FALSE(clean.isEmpty()) << LastMediaMakerError().toStdString();
         Source source;
         source.path = bed.media + u'/' + name;
-        source.frames = audioFrames(clean);
+        source.frames = ProbeAudioFrames(clean);
         QByteArray bytes = JoinRunTestBed::readFile(clean);
         const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.constData());
         const MpegFrameHeader header = MpegFrameHeader::fromBytes(data);
@@ -247,7 +219,7 @@ protected:
             seconds += static_cast<double>(source.frames) * source.samplesPerFrame / source.hz;
         }
         const double frameSeconds = static_cast<double>(sources[0].samplesPerFrame) / sources[0].hz;
-        EXPECT_EQ(audioFrames(output), frames);
+        EXPECT_EQ(ProbeAudioFrames(output), frames);
         EXPECT_NEAR(ffprobeSeconds(output), seconds, frameSeconds);
         EXPECT_NEAR(mediaInfoSeconds(output), seconds, frameSeconds + 0.002);
 

@@ -24,19 +24,6 @@
 
 namespace {
 
-QString probe(const QString& path, const QStringList& entries) {
-    return RunFfprobe(QStringList{QStringLiteral("-v"), QStringLiteral("error")} + entries +
-                      QStringList{QStringLiteral("-of"), QStringLiteral("default=nw=1:nk=1"), path})
-        .trimmed();
-}
-
-long long audioFrames(const QString& path) {
-    return probe(path, {QStringLiteral("-select_streams"), QStringLiteral("a:0"),
-                        QStringLiteral("-count_packets"), QStringLiteral("-show_entries"),
-                        QStringLiteral("stream=nb_read_packets")})
-        .toLongLong();
-}
-
 // ffprobe's chapters and the output's length on the playback clock (its
 // duration less the start that the decoder skips).
 struct Probed {
@@ -161,26 +148,26 @@ protected:
                                QStringLiteral("-frames:v"), QStringLiteral("1"), png}));
     }
 
-    TaggedSource make(const SourceSpec& spec, const QString& chapterTitle) {
+    TaggedSource make(const SourceSpec& recipe, const QString& chapterTitle) {
         TaggedSource source;
         source.chapterTitle = chapterTitle;
-        if (spec.id3v1Only) {
+        if (recipe.id3v1Only) {
             Mp3Options options;
-            options.channels = spec.channels;
-            options.seconds = spec.seconds;
+            options.channels = recipe.channels;
+            options.seconds = recipe.seconds;
             options.id3v1 = true;
-            options.metadata = spec.metadata;
+            options.metadata = recipe.metadata;
             options.frequencyHz = 300 + 40 * made++;
-            source.path = MakeMp3(bed.media, spec.name, options);
+            source.path = MakeMp3(bed.media, recipe.name, options);
         } else {
-            source.path = bed.media + u'/' + spec.name;
+            source.path = bed.media + u'/' + recipe.name;
             QStringList args{QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
                              QStringLiteral("sine=frequency=%1:duration=%2")
                                  .arg(300 + 40 * made++)
-                                 .arg(spec.seconds)};
-            if (!spec.cover.isEmpty()) {
+                                 .arg(recipe.seconds)};
+            if (!recipe.cover.isEmpty()) {
                 args += {QStringLiteral("-i"),
-                         spec.cover,
+                         recipe.cover,
                          QStringLiteral("-map"),
                          QStringLiteral("0:a"),
                          QStringLiteral("-map"),
@@ -190,27 +177,27 @@ protected:
                          QStringLiteral("-disposition:v"),
                          QStringLiteral("attached_pic"),
                          QStringLiteral("-metadata:s:v"),
-                         QStringLiteral("comment=") + spec.coverType};
+                         QStringLiteral("comment=") + recipe.coverType};
             }
             args += {QStringLiteral("-ar"),  QStringLiteral("44100"),
-                     QStringLiteral("-ac"),  QString::number(spec.channels),
+                     QStringLiteral("-ac"),  QString::number(recipe.channels),
                      QStringLiteral("-c:a"), QStringLiteral("libmp3lame")};
-            args += spec.vbr ? QStringList{QStringLiteral("-q:a"), QStringLiteral("4")}
-                             : QStringList{QStringLiteral("-b:a"), QStringLiteral("128k")};
+            args += recipe.vbr ? QStringList{QStringLiteral("-q:a"), QStringLiteral("4")}
+                               : QStringList{QStringLiteral("-b:a"), QStringLiteral("128k")};
             args += {QStringLiteral("-id3v2_version"),
-                     QString::number(spec.id3v2Version),
+                     QString::number(recipe.id3v2Version),
                      QStringLiteral("-write_id3v1"),
                      QStringLiteral("0"),
                      QStringLiteral("-write_xing"),
-                     spec.lameHeader ? QStringLiteral("1") : QStringLiteral("0")};
-            for (auto it = spec.metadata.cbegin(); it != spec.metadata.cend(); ++it) {
+                     recipe.lameHeader ? QStringLiteral("1") : QStringLiteral("0")};
+            for (auto it = recipe.metadata.cbegin(); it != recipe.metadata.cend(); ++it) {
                 args += {QStringLiteral("-metadata"), it.key() + u'=' + it.value()};
             }
             args += {QStringLiteral("-f"), QStringLiteral("mp3"), source.path};
             EXPECT_TRUE(RunFfmpeg(args)) << LastMediaMakerError().toStdString();
         }
         EXPECT_FALSE(source.path.isEmpty()) << LastMediaMakerError().toStdString();
-        source.frames = audioFrames(source.path);
+        source.frames = ProbeAudioFrames(source.path);
         const QByteArray bytes = JoinRunTestBed::readFile(source.path);
         const QByteArray audio = bytes.mid(id3v2Length(bytes));
         const auto* data = reinterpret_cast<const std::uint8_t*>(audio.constData());
@@ -305,7 +292,7 @@ protected:
         for (const TaggedSource& source : sources) {
             frames += source.frames;
         }
-        EXPECT_EQ(audioFrames(output), frames);
+        EXPECT_EQ(ProbeAudioFrames(output), frames);
         EXPECT_EQ(decodeErrors(output).toStdString(), "");
         const QByteArray bytes = JoinRunTestBed::readFile(output);
         const QByteArray audio = bytes.mid(tagLength);
@@ -418,7 +405,7 @@ TEST_F(Mp3JoinTagsTest, StereoAlbum_TagCoverAndOneChapterPerSource_InEveryReader
     list << make(one, QStringLiteral("Prélude"));
     addFileOnlyFrames(list.last().path);
     // Its tag's frame sizes changed: count again.
-    list.last().frames = audioFrames(list.last().path);
+    list.last().frames = ProbeAudioFrames(list.last().path);
 
     SourceSpec two{QStringLiteral("02 omega.mp3"), 4};
     two.metadata = {{QStringLiteral("title"), QStringLiteral("Ωmega Σ")},
@@ -587,10 +574,10 @@ TEST_F(Mp3JoinTagsTest, BoxOff_OutputIsTheUntaggedFixByteForByte_AndOnOnlyAddsTh
 }
 
 TEST_F(Mp3JoinTagsTest, ThreeHundredSources_ThreeHundredChaptersAllReachable) {
-    SourceSpec spec{QStringLiteral("part 001.mp3"), 3};
-    spec.seconds = 0.2;
-    spec.metadata = {{QStringLiteral("album"), QStringLiteral("Long Book")}};
-    const TaggedSource first = make(spec, QStringLiteral("part 001"));
+    SourceSpec recipe{QStringLiteral("part 001.mp3"), 3};
+    recipe.seconds = 0.2;
+    recipe.metadata = {{QStringLiteral("album"), QStringLiteral("Long Book")}};
+    const TaggedSource first = make(recipe, QStringLiteral("part 001"));
     QList<TaggedSource> list{first};
     for (int i = 2; i <= 300; ++i) {
         TaggedSource copy = first;

@@ -6,41 +6,26 @@
 
 #include "ByteFiles.h"
 #include "media/ItemCells.h"
+#include "support/TagByteForms.h"
 #include "support/TestEnvironment.h"
 
 namespace {
-
-QByteArray be32(quint32 value) {
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(value >> (24 - 8 * i));
-    }
-    return bytes;
-}
-
-QByteArray syncSafe(quint32 value) {
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>((value >> (21 - 7 * i)) & 0x7F);
-    }
-    return bytes;
-}
 
 // A text frame of the given tag version; encoding 0 is ISO-8859-1, 3 UTF-8.
 QByteArray textFrame(int version, const char* id, const QByteArray& text, char encoding = 0) {
     const QByteArray data = encoding + text;
     if (version == 2) {
         const quint32 size = static_cast<quint32>(data.size());
-        return QByteArray(id) + be32(size).right(3) + data;
+        return QByteArray(id) + Be32Bytes(size).right(3) + data;
     }
-    return QByteArray(id) + (version == 4 ? syncSafe(data.size()) : be32(data.size())) +
+    return QByteArray(id) + (version == 4 ? SyncSafeBytes(data.size()) : Be32Bytes(data.size())) +
            QByteArray(2, '\0') + data;
 }
 
 QByteArray tag(int version, const QByteArray& frames) {
     const QByteArray body = frames + QByteArray(32, '\0');
     return QByteArray("ID3") + char(version) + char(0) + char(0) +
-           syncSafe(static_cast<quint32>(body.size())) + body;
+           SyncSafeBytes(static_cast<quint32>(body.size())) + body;
 }
 
 // A few MPEG-1 Layer III frames of 128 kbit/s behind the tag.

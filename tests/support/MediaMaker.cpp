@@ -200,3 +200,16 @@ QString MakeMpeg(const QString& folder, const QString& fileName, const MpegOptio
     }
     return path;
 }
+
+QString ProbeValues(const QString& path, const QStringList& entries) {
+    return RunFfprobe(QStringList{QStringLiteral("-v"), QStringLiteral("error")} + entries +
+                      QStringList{QStringLiteral("-of"), QStringLiteral("default=nw=1:nk=1"), path})
+        .trimmed();
+}
+
+long long ProbeAudioFrames(const QString& path) {
+    return ProbeValues(path, {QStringLiteral("-select_streams"), QStringLiteral("a:0"),
+                              QStringLiteral("-count_packets"), QStringLiteral("-show_entries"),
+                              QStringLiteral("stream=nb_read_packets")})
+        .toLongLong();
+}

@@ -60,3 +60,9 @@ bool RunFfmpeg(const QStringList& arguments, int timeoutMs = 120000);
 
 // Runs ffprobe with these arguments and returns its standard output (empty on failure).
 QString RunFfprobe(const QStringList& arguments, int timeoutMs = 60000);
+
+// ffprobe's values of these entries for path, one a line without their keys.
+QString ProbeValues(const QString& path, const QStringList& entries);
+
+// The number of packets ffprobe reads in the first audio stream of path.
+long long ProbeAudioFrames(const QString& path);
