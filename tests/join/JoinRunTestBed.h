@@ -23,6 +23,7 @@
 #include "join/TestFolders.h"
 #include "list/MainModel.h"
 #include "platform/ProcessKiller.h"
+#include "support/FolderEntries.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
 #include "support/TestEnvironment.h"
@@ -123,12 +124,7 @@ public:
 
     // Everything left in the per-user folder (names relative to it).
     QStringList appDataEntries() const {
-        QStringList entries;
-        QDirIterator it(appData, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            entries << QDir(appData).relativeFilePath(it.next());
-        }
+        QStringList entries = EntriesBelow(appData);
         entries.sort();
         return entries;
     }

@@ -29,6 +29,7 @@
 #include "media/ID3Reader.h"
 #include "platform/ProcessKiller.h"
 #include "platform/Shell.h"
+#include "support/FolderEntries.h"
 #include "support/MediaMaker.h"
 #include "support/MemoryClipboard.h"
 #include "support/ScriptedQuestions.h"
@@ -116,12 +117,7 @@ protected:
     }
 
     QStringList appDataEntries() const {
-        QStringList entries;
-        QDirIterator it(appData, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            entries << QDir(appData).relativeFilePath(it.next());
-        }
+        QStringList entries = EntriesBelow(appData);
         entries.removeAll("Settings.ini");
         return entries;
     }
