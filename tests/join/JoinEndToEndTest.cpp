@@ -4,7 +4,6 @@
 #include <QCryptographicHash>
 #include <QLocale>
 #include <QMap>
-#include <QProcess>
 
 #include "join/JoinRunTestBed.h"
 #include "join/StartJoin.h"
@@ -57,16 +56,7 @@ double mediaInfoSeconds(const QString& path, const QString& stream = QStringLite
 // source's timestamps on as they are, and a title made in parts repeats the
 // last one of a track where the next part starts.
 QString decodeErrors(const QString& path, bool seamTimestamps = true) {
-    QProcess ffmpeg;
-    ffmpeg.setProcessChannelMode(QProcess::MergedChannels);
-    ffmpeg.start(QStringLiteral("ffmpeg"),
-                 {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
-                  QStringLiteral("-i"), path, QStringLiteral("-f"), QStringLiteral("null"),
-                  QStringLiteral("-")});
-    if (!ffmpeg.waitForFinished(60000)) {
-        return QStringLiteral("ffmpeg did not finish");
-    }
-    QStringList lines = QString::fromUtf8(ffmpeg.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    QStringList lines = FfmpegDecodeErrors(path).split(u'\n', Qt::SkipEmptyParts);
     if (!seamTimestamps) {
         lines.removeIf([](const QString& line) {
             return line.contains(QStringLiteral("non monotonically increasing dts to muxer"));

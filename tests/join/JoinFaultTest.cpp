@@ -15,6 +15,7 @@
 #include <QRandomGenerator>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 #include "join/JoinFaultSupport.h"
 
@@ -74,6 +75,59 @@ protected:
         bed.model.state.setSizeCaption(QStringLiteral("1 KB"));
         bed.questions.chooseFile(output);
         ASSERT_TRUE(StartJoin(bed.model));
+    }
+
+    // The join of two MP3 sources, one.mp3 and two.mp3 in the media folder,
+    // into joined.mp3 in folder (the test's own when empty), through the
+    // pre-flight. Gives the output.
+    QString startMp3Join(const QString& folder = QString()) {
+        bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), mp3(QStringLiteral("two.mp3"), 550)});
+        const QString output =
+            (folder.isEmpty() ? bed.dir.path() : folder) + QStringLiteral("/joined.mp3");
+        startJoin(output);
+        return output;
+    }
+    QString mediaPath(const QString& name) const { return bed.media + u'/' + name; }
+
+    // The join of two files of random bytes of the given video type (a
+    // plain join when empty) into joined.mpg, through the pre-flight.
+    QString startRandomMpegJoin(const QString& videoType) {
+        const QString a = randomFile(QStringLiteral("a.mpg"), 20000);
+        const QString b = randomFile(QStringLiteral("b.mpg"), 20000);
+        bed.makeMpegList({a, b}, videoType);
+        const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
+        startJoin(output);
+        return output;
+    }
+
+    // A named pipe as the first source: the first script waits on it until
+    // feedPipe lets it go on.
+    QString pipeSource() {
+        const QString pipe = mediaPath(QStringLiteral("first.mpg"));
+        EXPECT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+        return pipe;
+    }
+    // Runs the join until its first script reads the pipe, does meanwhile,
+    // then gives the script the pipe's bytes and waits for the end.
+    void feedPipe(const QString& pipe, const std::function<void()>& meanwhile,
+                  const QByteArray& bytes = QByteArray()) {
+        bed.makeRun().load(true);
+        QFile feed(pipe);
+        ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
+        meanwhile();
+        feed.write(bytes);
+        feed.close();
+        ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000))
+            << bed.state.operationText().toStdString();
+    }
+
+    // Runs the first script to its end on its own timer; the run takes the
+    // next step at its next tick.
+    JoinRun& runOperation1() {
+        JoinRun& run = bed.makeRun();
+        run.load(false);
+        EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
+        return run;
     }
 
     // The run on its own timers until it is finished or cancelled.
@@ -160,9 +214,7 @@ TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_Fails) {
     if (out.isEmpty()) {
         GTEST_SKIP() << "no tmpfs can be mounted here (" << mountError.toStdString() << ")";
     }
-    bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), mp3(QStringLiteral("two.mp3"), 550)});
-    const QString output = out + QStringLiteral("/joined.mp3");
-    startJoin(output);
+    const QString output = startMp3Join(out);
     // Read-only before the script writes its first byte.
     ASSERT_EQ(
         ::mount(nullptr, out.toLocal8Bit().constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr),
@@ -178,11 +230,7 @@ TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_Fails) {
 TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_Fails) {
     // Works everywhere: the first script may write no more than 8 blocks, as
     // if the output folder had filled up after the pre-flight.
-    const QString a = randomFile(QStringLiteral("a.mpg"), 20000);
-    const QString b = randomFile(QStringLiteral("b.mpg"), 20000);
-    bed.makeMpegList({a, b}, QString());
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
-    startJoin(output);
+    const QString output = startRandomMpegJoin(QString());
     LimitScriptFileSize(bed.appData + QStringLiteral("/TempFile.bat"), 8);
     runToTheEnd();
     expectFailed(output, joining(), output + QStringLiteral(".vlr.mpg"),
@@ -194,11 +242,7 @@ TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_Fails) {
 TEST_F(JoinFaultTest, DiskFullDuringOperation2_Ulimit_Fails) {
     // The fix script may write no more than 4 blocks: the disk fills while
     // the fixed file is written.
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
+    const QString output = startMp3Join();
     LimitScriptFileSize(bed.appData + QStringLiteral("/MP3.bat"), 4);
     runToTheEnd();
     expectFailed(output, fixing(), output, QStringLiteral("File size limit exceeded"));
@@ -213,9 +257,7 @@ TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_Fails) {
         GTEST_SKIP() << "no tmpfs can be mounted here (" << mountError.toStdString()
                      << "); the ulimit test covers a full disk in the fix step";
     }
-    bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), mp3(QStringLiteral("two.mp3"), 550)});
-    const QString output = out + QStringLiteral("/joined.mp3");
-    startJoin(output);
+    const QString output = startMp3Join(out);
     runToTheEnd();
     expectFailed(output, fixing(), output, QStringLiteral("No space left on device"));
     close();
@@ -227,26 +269,22 @@ TEST_F(JoinFaultTest, DiskFullDuringOperation2_Tmpfs_Fails) {
 TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_FailsOnTheDeletedSource) {
     // The first item is a pipe: the script waits on it while the test changes
     // the other sources, then goes on.
-    const QString pipe = bed.media + QStringLiteral("/first.mpg");
-    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    const QString pipe = pipeSource();
     const QString truncated = randomFile(QStringLiteral("truncated.mpg"), 30000);
     const QString deleted = randomFile(QStringLiteral("deleted.mpg"), 30000);
     const QString kept = randomFile(QStringLiteral("kept.mpg"), 30000);
     bed.makeMpegList({pipe, truncated, deleted, kept}, QString());
     const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
     startJoin(output);
-    bed.makeRun().load(true);
-
-    QFile feed(pipe);
-    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
-    ASSERT_TRUE(QFile::resize(truncated, 1000));
-    sources.remember(truncated);
-    ASSERT_TRUE(QFile::remove(deleted));
-    sources.forget(deleted);
-    feed.write("pipe");
-    feed.close();
-
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000));
+    feedPipe(
+        pipe,
+        [&] {
+            ASSERT_TRUE(QFile::resize(truncated, 1000));
+            sources.remember(truncated);
+            ASSERT_TRUE(QFile::remove(deleted));
+            sources.forget(deleted);
+        },
+        "pipe");
     expectFailed(output, joining(), deleted, QStringLiteral("No such file or directory"));
     close();
     expectCleanEnd(output);
@@ -254,22 +292,17 @@ TEST_F(JoinFaultTest, SourceDeletedAndTruncatedWhileJoining_FailsOnTheDeletedSou
 }
 
 TEST_F(JoinFaultTest, SourceTruncatedWhileJoining_FailsOnTheSizeOfTheJoin) {
-    const QString pipe = bed.media + QStringLiteral("/first.mpg");
-    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    const QString pipe = pipeSource();
     const QString truncated = randomFile(QStringLiteral("truncated.mpg"), 30000);
     const QString kept = randomFile(QStringLiteral("kept.mpg"), 30000);
     bed.makeMpegList({pipe, truncated, kept}, QString());
     const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
     startJoin(output);
-    bed.makeRun().load(true);
-
-    QFile feed(pipe);
-    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
-    ASSERT_TRUE(QFile::resize(truncated, 1000));
-    sources.remember(truncated);
-    feed.close();  // the pipe gives nothing, as its size said
-
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000));
+    // The pipe gives nothing, as its size said.
+    feedPipe(pipe, [&] {
+        ASSERT_TRUE(QFile::resize(truncated, 1000));
+        sources.remember(truncated);
+    });
     expectFailed(output, joining(), truncated,
                  QStringLiteral("its size changed during the join, from 30000 bytes to 1000 "
                                 "bytes"));
@@ -306,11 +339,8 @@ TEST_F(JoinFaultTest, SourceDeletedBeforeTheFirstCopy_FailsAndTheFixNeverRuns) {
 TEST_F(JoinFaultTest, SourceUnreadable_FailsOnIt) {
     // A source that is no longer a file the copy can read: a folder stands
     // under its name.
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
+    const QString output = startMp3Join();
+    const QString two = mediaPath(QStringLiteral("two.mp3"));
     ASSERT_TRUE(QFile::remove(two));
     sources.forget(two);
     ASSERT_TRUE(QDir().mkdir(two));
@@ -325,11 +355,7 @@ TEST_F(JoinFaultTest, SourceUnreadable_FailsOnIt) {
 
 TEST_F(JoinFaultTest, FixToolExitsWithAnError_Fails) {
     // MPEG-2 video that is no MPEG at all: the remake refuses it.
-    const QString a = randomFile(QStringLiteral("a.mpg"), 20000);
-    const QString b = randomFile(QStringLiteral("b.mpg"), 20000);
-    bed.makeMpegList({a, b}, QStringLiteral("MPEG-2V"));
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
-    startJoin(output);
+    const QString output = startRandomMpegJoin(QStringLiteral("MPEG-2V"));
     runToTheEnd();
     expectFailed(output, fixing(), output + QStringLiteral(".vlr.mpg"),
                  QStringLiteral("Invalid data found when processing input"));
@@ -338,14 +364,9 @@ TEST_F(JoinFaultTest, FixToolExitsWithAnError_Fails) {
 }
 
 TEST_F(JoinFaultTest, FixToolMissingAtOperation2_Fails) {
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
-    bed.makeRun().load(false);
+    const QString output = startMp3Join();
     // The first script ends; before the next tick the tool copies vanish.
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
+    runOperation1();
     ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MP3.exe")));
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000));
     expectFailed(output, fixing(), bed.appData + QStringLiteral("/MP3.exe"),
@@ -355,14 +376,8 @@ TEST_F(JoinFaultTest, FixToolMissingAtOperation2_Fails) {
 }
 
 TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_WaitsUntilCancel_CancelGetsOut) {
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
-    JoinRun& run = bed.makeRun();
-    run.load(false);
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
+    const QString output = startMp3Join();
+    JoinRun& run = runOperation1();
     ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MP3.bat")));
     run.tick();
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
@@ -382,14 +397,8 @@ TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_WaitsUntilCancel_CancelGetsOu
 }
 
 TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
-    JoinRun& run = bed.makeRun();
-    run.load(false);
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return !QDir(bed.marker()).exists(); }, 30000));
+    const QString output = startMp3Join();
+    JoinRun& run = runOperation1();
     // Whatever the tool copy holds, it is ended by its copy's name; a copy
     // that works slowly makes sure it is caught while it runs.
     const QString tool = bed.appData + QStringLiteral("/MP3.exe");
@@ -418,21 +427,14 @@ TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
 TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation1_Fails) {
     // The first item is a pipe: the script waits on it while the test takes
     // the output folder away with the partial join in it.
-    const QString pipe = bed.media + QStringLiteral("/first.mpg");
-    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    const QString pipe = pipeSource();
     const QString second = randomFile(QStringLiteral("second.mpg"), 30000);
     bed.makeMpegList({pipe, second}, QString());
     const QString folder = bed.dir.path() + QStringLiteral("/out");
     QDir().mkpath(folder);
     const QString output = folder + QStringLiteral("/joined.mpg");
     startJoin(output);
-    bed.makeRun().load(true);
-    QFile feed(pipe);
-    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the script reads
-    ASSERT_TRUE(QDir(folder).removeRecursively());
-    feed.close();
-    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 60000))
-        << bed.state.operationText().toStdString();
+    feedPipe(pipe, [&] { ASSERT_TRUE(QDir(folder).removeRecursively()); });
     expectFailed(output, joining(), output + QStringLiteral(".vlr.mpg"),
                  QStringLiteral("Directory nonexistent"));
     close();
@@ -499,11 +501,7 @@ TEST_F(JoinFaultTest, LeftoversOfACrashedRun_AreReplacedAndNothingOfThemRuns) {
                                                  JoinRunTestBed::quoted(trace) + u'\n');
         QFile::setPermissions(path, QFile::permissions(path) | QFile::ExeOwner);
     }
-    const QString one = mp3(QStringLiteral("one.mp3"), 440);
-    const QString two = mp3(QStringLiteral("two.mp3"), 550);
-    bed.makeMp3List({one, two});
-    const QString output = bed.dir.path() + QStringLiteral("/joined.mp3");
-    startJoin(output);
+    const QString output = startMp3Join();
     runToTheEnd();
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
     EXPECT_GT(QFileInfo(output).size(), 0);

@@ -2,7 +2,7 @@
 // and the real fix tool of sources with ID3v2.3 and ID3v2.4 tags, covers in
 // JPEG and PNG, titles beyond ISO-8859-1, ID3v1 tags only or no tag at all,
 // constant and variable bit rates, with and without a LAME header; the output
-// checked with ffprobe, python3-mutagen and MediaInfo.
+// checked with ffprobe, python3-mutagen, MediaInfo and mpg123.
 #include <gtest/gtest.h>
 
 #include <QCryptographicHash>
@@ -21,6 +21,7 @@
 #include "media/MediaInfoFile.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
 #include "support/MediaMaker.h"
+#include "support/TagByteForms.h"
 
 namespace {
 
@@ -71,31 +72,8 @@ QJsonObject mutagenTag(const QString& path) {
     return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
 }
 
-QString decodeErrors(const QString& path) {
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(FfmpegProgram(),
-                  {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
-                   QStringLiteral("-i"), path, QStringLiteral("-f"), QStringLiteral("null"),
-                   QStringLiteral("-")});
-    process.waitForFinished(60000);
-    return QString::fromUtf8(process.readAll());
-}
-
 QByteArray md5Hex(const QByteArray& bytes) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex();
-}
-
-// The length of the ID3v2 tag at the start of bytes (0 when there is none).
-qsizetype id3v2Length(const QByteArray& bytes) {
-    if (!bytes.startsWith("ID3") || bytes.size() < 10) {
-        return 0;
-    }
-    qsizetype size = 0;
-    for (int i = 6; i < 10; ++i) {
-        size = (size << 7) | (static_cast<unsigned char>(bytes.at(i)) & 0x7F);
-    }
-    return 10 + size;
 }
 
 QStringList texts(const QJsonObject& tag, const QString& frame) {
@@ -199,7 +177,7 @@ protected:
         EXPECT_FALSE(source.path.isEmpty()) << LastMediaMakerError().toStdString();
         source.frames = ProbeAudioFrames(source.path);
         const QByteArray bytes = JoinRunTestBed::readFile(source.path);
-        const QByteArray audio = bytes.mid(id3v2Length(bytes));
+        const QByteArray audio = bytes.mid(Id3v2TagLength(bytes));
         const auto* data = reinterpret_cast<const std::uint8_t*>(audio.constData());
         const MpegFrameHeader header = MpegFrameHeader::fromBytes(data);
         source.samplesPerFrame = header.samplesPerFrame();
@@ -293,7 +271,10 @@ protected:
             frames += source.frames;
         }
         EXPECT_EQ(ProbeAudioFrames(output), frames);
-        EXPECT_EQ(decodeErrors(output).toStdString(), "");
+        EXPECT_EQ(FfmpegDecodeErrors(output).toStdString(), "");
+        const Mpg123Decode mpg123 = DecodeWithMpg123(output);
+        EXPECT_EQ(mpg123.frames, frames);
+        EXPECT_EQ(mpg123.complaints.toStdString(), "");
         const QByteArray bytes = JoinRunTestBed::readFile(output);
         const QByteArray audio = bytes.mid(tagLength);
         for (const QByteArray& marker : sourceTagBytes) {
@@ -436,7 +417,7 @@ TEST_F(Mp3JoinTagsTest, StereoAlbum_TagCoverAndOneChapterPerSource_InEveryReader
 
     const QString output = join(list);
     const QByteArray bytes = JoinRunTestBed::readFile(output);
-    const qsizetype tagLength = id3v2Length(bytes);
+    const qsizetype tagLength = Id3v2TagLength(bytes);
     ASSERT_GT(tagLength, 0);
     EXPECT_EQ(bytes.at(3), 3);  // ID3v2.3
     EXPECT_EQ(bytes.at(5), 0);  // no unsynchronisation, no extended header
@@ -509,7 +490,7 @@ TEST_F(Mp3JoinTagsTest, MonoBook_Id3v1TemplateAndPngCover_TitleFromTheOutputsNam
 
     const QString output = join(list, QStringLiteral("Read Aloud.mp3"));
     const QByteArray bytes = JoinRunTestBed::readFile(output);
-    const qsizetype tagLength = id3v2Length(bytes);
+    const qsizetype tagLength = Id3v2TagLength(bytes);
     ASSERT_GT(tagLength, 0);
     const Mp3HeaderFrame written = expectRightAudio(
         output, tagLength, {QByteArray("ID3\x04\x00", 5), QByteArray("TAGChapter Two")});
@@ -568,7 +549,7 @@ TEST_F(Mp3JoinTagsTest, BoxOff_OutputIsTheUntaggedFixByteForByte_AndOnOnlyAddsTh
 
     setTagsAndChapters(true);
     const QByteArray on = JoinRunTestBed::readFile(join(list, QStringLiteral("on.mp3")));
-    const qsizetype tagLength = id3v2Length(on);
+    const qsizetype tagLength = Id3v2TagLength(on);
     ASSERT_GT(tagLength, 0);
     EXPECT_TRUE(on.mid(tagLength) == plain);
 }

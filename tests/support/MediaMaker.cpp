@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 namespace {
@@ -212,4 +213,51 @@ long long ProbeAudioFrames(const QString& path) {
                               QStringLiteral("-count_packets"), QStringLiteral("-show_entries"),
                               QStringLiteral("stream=nb_read_packets")})
         .toLongLong();
+}
+
+QString FfmpegDecodeErrors(const QString& path) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(FfmpegProgram(),
+                  {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
+                   QStringLiteral("-i"), path, QStringLiteral("-f"), QStringLiteral("null"),
+                   QStringLiteral("-")});
+    if (!process.waitForFinished(60000)) {
+        process.kill();
+        return QStringLiteral("ffmpeg did not finish");
+    }
+    return QString::fromUtf8(process.readAll());
+}
+
+Mpg123Decode DecodeWithMpg123(const QString& path) {
+    Mpg123Decode decode;
+    const QString program = FindTool(QStringLiteral("mpg123"));
+    if (program.isEmpty()) {
+        decode.complaints = QStringLiteral("mpg123 not installed");
+        return decode;
+    }
+    // -t decodes without playing; -v writes a status line per few frames,
+    // the last of which holds the count of frames decoded ("> 2155+0000 ...").
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(program, {QStringLiteral("-t"), QStringLiteral("-v"), path});
+    if (!process.waitForFinished(120000) || process.exitCode() != 0) {
+        process.kill();
+        decode.complaints = QStringLiteral("mpg123 failed: ") + process.errorString();
+        return decode;
+    }
+    static const QRegularExpression status(QStringLiteral("^> (\\d+)\\+"));
+    static const QRegularExpression complaint(
+        QStringLiteral("error|warning|illegal|resync|skipped|can't|cannot|big value"),
+        QRegularExpression::CaseInsensitiveOption);
+    const QString output = QString::fromUtf8(process.readAll());
+    for (const QString& line : output.split(QRegularExpression(QStringLiteral("[\\r\\n]")))) {
+        const QRegularExpressionMatch match = status.match(line);
+        if (match.hasMatch()) {
+            decode.frames = match.captured(1).toLongLong();
+        } else if (complaint.match(line).hasMatch()) {
+            decode.complaints += line + QLatin1Char('\n');
+        }
+    }
+    return decode;
 }

@@ -66,3 +66,15 @@ QString ProbeValues(const QString& path, const QStringList& entries);
 
 // The number of packets ffprobe reads in the first audio stream of path.
 long long ProbeAudioFrames(const QString& path);
+
+// What ffmpeg says while it decodes the whole file (nothing when it is clean).
+QString FfmpegDecodeErrors(const QString& path);
+
+// What mpg123, a decoder not built on ffmpeg, makes of an MP3 file: the audio
+// frames it decoded (-1 when it could not run) and every line in which it
+// complained of the stream (nothing when it is clean).
+struct Mpg123Decode {
+    long long frames = -1;
+    QString complaints;
+};
+Mpg123Decode DecodeWithMpg123(const QString& path);

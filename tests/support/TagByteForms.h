@@ -20,3 +20,16 @@ inline QByteArray SyncSafeBytes(quint32 value) {
     }
     return bytes;
 }
+
+// The length of the ID3v2 tag at the start of bytes, header included (0 when
+// they do not start with one).
+inline qsizetype Id3v2TagLength(const QByteArray& bytes) {
+    if (!bytes.startsWith("ID3") || bytes.size() < 10) {
+        return 0;
+    }
+    qsizetype size = 0;
+    for (int i = 6; i < 10; ++i) {
+        size = (size << 7) | (static_cast<unsigned char>(bytes.at(i)) & 0x7F);
+    }
+    return 10 + size;
+}
