@@ -18,6 +18,7 @@
 #include "list/ListTotals.h"
 #include "list/SortList.h"
 #include "support/MediaMaker.h"
+#include "support/Mp3JoinTraits.h"
 #include "support/RequireFfmpeg.h"
 
 namespace {
@@ -366,34 +367,23 @@ TEST_F(RowCheckReorder, RemovingRowsByValue_MarksAgainstTheNewFirst) {
 
 TEST(DifferingRowsLine, NamesTheCountAndTheFirstFivePositions) {
     ListTestModel t;
-    const auto traits = [](int rate) {
-        auto made = std::make_shared<JoinTraits>();
-        AudioTraits audio;
-        audio.format = "MPEG Audio";
-        audio.version = "Version 1";
-        audio.layer = "Layer 3";
-        audio.rate = rate;
-        audio.channels = 2;
-        made->audio.append(audio);
-        return made;
-    };
     for (int i = 1; i <= 14; ++i) {
         t.addMp3(QStringLiteral("/m/%1.mp3").arg(i), "1 KB", "1 seconds", "44100 (Stereo)");
-        t.model.items.setJoinTraits(i, traits(44100));
+        t.model.items.setJoinTraits(i, Mp3Traits(44100));
     }
     EXPECT_EQ(DifferingRowsLine(t.model.items), "");
-    t.model.items.setJoinTraits(4, traits(48000));
+    t.model.items.setJoinTraits(4, Mp3Traits(48000));
     EXPECT_EQ(DifferingRowsLine(t.model.items), "1 file differs from the first: row 4.");
-    t.model.items.setJoinTraits(9, traits(48000));
-    t.model.items.setJoinTraits(12, traits(48000));
+    t.model.items.setJoinTraits(9, Mp3Traits(48000));
+    t.model.items.setJoinTraits(12, Mp3Traits(48000));
     EXPECT_EQ(DifferingRowsLine(t.model.items), "3 files differ from the first: rows 4, 9 and 12.");
     for (int row : {2, 3, 13, 14}) {
-        t.model.items.setJoinTraits(row, traits(32000));
+        t.model.items.setJoinTraits(row, Mp3Traits(32000));
     }
     EXPECT_EQ(DifferingRowsLine(t.model.items),
               "7 files differ from the first: rows 2, 3, 4, 9, 12 and 2 more.");
     // A new first row of the other rate turns the marks round.
-    t.model.items.setJoinTraits(1, traits(48000));
+    t.model.items.setJoinTraits(1, Mp3Traits(48000));
     EXPECT_EQ(DifferingRowsLine(t.model.items),
               "10 files differ from the first: rows 2, 3, 5, 6, 7 and 5 more.");
 }

@@ -8,22 +8,11 @@
 #include <cstdlib>
 
 #include "MainWindowTestHelpers.h"
+#include "support/Mp3JoinTraits.h"
 #include "ui/ListViewControl.h"
 #include "ui/StatusBarControl.h"
 
 namespace {
-
-std::shared_ptr<JoinTraits> Mp3Traits(int rate, int channels = 2) {
-    auto traits = std::make_shared<JoinTraits>();
-    AudioTraits audio;
-    audio.format = "MPEG Audio";
-    audio.version = "Version 1";
-    audio.layer = "Layer 3";
-    audio.rate = rate;
-    audio.channels = channels;
-    traits->audio.append(audio);
-    return traits;
-}
 
 // Rows 1 and 3 alike, row 2 mono, row 4 of another rate.
 void MarkRows(WindowFixture& f) {
