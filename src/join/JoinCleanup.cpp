@@ -7,6 +7,7 @@
 #include <QThread>
 #include <utility>
 
+#include "app/AppPaths.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
 #include "platform/EventTurn.h"
@@ -44,7 +45,7 @@ void KillToolsInAppData() {
     using namespace JoinNames;
     for (const QString& tool : {kMp3Tool, kMpegTool, kMpeg2Tool}) {
         if (FileExists(AppDataPath(tool))) {
-            KillProcessByName(tool);
+            KillProcessByName(tool, AppDataFolder());
         }
     }
 }

@@ -17,8 +17,9 @@ class JoinWizardState;
 // this order.
 void RemoveMarkerAndScripts();
 
-// Ends every process named like a tool whose copy lies in AppDataFolder: a
-// join that did not use a tool leaves processes of that name alone.
+// Ends the processes of each tool whose copy lies in AppDataFolder: those run
+// from that copy, never a program of the same name elsewhere. A join that did
+// not use a tool leaves processes of that name alone.
 void KillToolsInAppData();
 
 // Deletes the tools and libraries (MP3.exe, mingwm10.dll, MPEG.exe,

@@ -13,18 +13,11 @@ ProcessKillFilter& killFilter() {
     return filter;
 }
 
-// The image name of a process: the file name of its executable, or its
-// command name when the executable cannot be read (another user's process).
-QString imageNameOf(qint64 pid) {
-    const QString exe = ExecutablePathOf(pid);
-    if (!exe.isEmpty()) {
-        return QFileInfo(exe).fileName();
-    }
-    QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
-    if (!comm.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    return QString::fromUtf8(comm.readAll()).trimmed();
+// The folder as the kernel names the folders of executables: with its
+// links resolved (the folder as given when it cannot be resolved).
+QString resolvedFolder(const QString& folder) {
+    const QString resolved = QFileInfo(folder).canonicalFilePath();
+    return resolved.isEmpty() ? QDir::cleanPath(folder) : resolved;
 }
 }  // namespace
 
@@ -52,18 +45,20 @@ QList<qint64> RunningProcessIds() {
     return ids;
 }
 
-void KillProcessByName(const QString& name) {
-    if (name.isEmpty()) {
+void KillProcessByName(const QString& name, const QString& folder) {
+    if (name.isEmpty() || folder.isEmpty()) {
         return;
     }
     const QString wanted = name.toLower();
+    const QString home = resolvedFolder(folder);
     const qint64 self = ::getpid();
     for (const qint64 pid : RunningProcessIds()) {
         if (pid == self) {
             continue;
         }
-        const QString image = imageNameOf(pid).toLower();
-        if (image.isEmpty() || !image.endsWith(wanted)) {
+        const QFileInfo executable(ExecutablePathOf(pid));
+        if (executable.filePath().isEmpty() || executable.path() != home ||
+            !executable.fileName().toLower().endsWith(wanted)) {
             continue;
         }
         if (killFilter() && !killFilter()(pid)) {

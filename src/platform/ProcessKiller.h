@@ -5,11 +5,12 @@
 #include <functional>
 
 // Ends with SIGKILL every running process whose image name ends in name,
-// compared in lower case (the tail of the name and nothing else: "mp3.exe"
-// matches "MP3.exe" and "xmp3.exe" alike). The image name is the file name
-// of the process's executable, or its command name where the executable
-// cannot be read. An empty name does nothing.
-void KillProcessByName(const QString& name);
+// compared in lower case (the tail of the name: "mp3.exe" matches "MP3.exe"
+// and "xmp3.exe" alike), and whose executable lies in folder. So the tools
+// that a join copied into its folder and started are ended, and a program of
+// the same name anywhere else is left alone, as is a process whose executable
+// cannot be read (another user's). An empty name or folder does nothing.
+void KillProcessByName(const QString& name, const QString& folder);
 
 // Ends the shell that runs a script, with everything it started (its process
 // group), by SIGKILL: only when the process still runs with scriptPath among

@@ -46,7 +46,8 @@ protected:
             delete process;
         }
     }
-    // A process of this test with the given image name (a copy of sleep).
+    // A process of another program with the given image name (a copy of
+    // sleep in a folder of its own).
     QProcess* startAs(const QString& name) {
         const QString folder = bed.dir.path() + QStringLiteral("/elsewhere");
         QDir().mkpath(folder);
@@ -56,6 +57,28 @@ protected:
         process->waitForStarted();
         processes << process;
         return process;
+    }
+    // A process run from the join's own copy of a tool (a copy of sleep) in
+    // the per-user folder.
+    QProcess* startTool(const QString& name) {
+        const QString path = bed.appData + u'/' + name;
+        QFile::remove(path);
+        QFile::copy(QStringLiteral("/bin/sleep"), path);
+        auto* process = new QProcess;
+        process->start(path, {QStringLiteral("30")});
+        process->waitForStarted();
+        processes << process;
+        return process;
+    }
+    // The live processes whose executable is the given file.
+    static QList<qint64> processesOf(const QString& executable) {
+        QList<qint64> found;
+        for (const qint64 pid : RunningProcessIds()) {
+            if (ExecutablePathOf(pid) == executable && !processGone(pid)) {
+                found << pid;
+            }
+        }
+        return found;
     }
     // A first script that starts TempFile and then hangs in a long step.
     void writeHangingJoinScript() {
@@ -238,11 +261,11 @@ TEST_F(JoinCancelTest, Close_AfterFinish_CleansAppData_KeepsOutput_NoWait) {
 }
 
 TEST_F(JoinCancelTest, Close_AfterFinish_KillsALeftoverMp3ToolStillRunning) {
-    // The join has finished; a tool of the fix step's name still runs.
+    // The join has finished; its copy of the fix tool still runs.
     JoinRun& run = bed.makeRun();
     JoinRunTestBed::writeFile(output, "joined");
     bed.state.setCancelButtonCaption(QStringLiteral("&Close"));
-    QProcess* leftover = startAs(QStringLiteral("MP3.exe"));
+    QProcess* leftover = startTool(QStringLiteral("MP3.exe"));
     ASSERT_EQ(leftover->state(), QProcess::Running);
     int closeRequests = 0;
     QObject::connect(&bed.state, &JoinWizardState::closeRequested, [&] { ++closeRequests; });
@@ -255,15 +278,73 @@ TEST_F(JoinCancelTest, Close_AfterFinish_KillsALeftoverMp3ToolStillRunning) {
 }
 
 TEST_F(JoinCancelTest, ToolsAreKilledByName_OnlyWhenTheirCopyLiesInAppData) {
+    QProcess* mp3 = startTool(QStringLiteral("MP3.exe"));
+    // A tool whose copy was deleted under it: its name is not killed.
+    QProcess* mpeg = startTool(QStringLiteral("MPEG.exe"));
     QFile::remove(bed.appData + QStringLiteral("/MPEG.exe"));
-    QProcess* mp3 = startAs(QStringLiteral("xMP3.exe"));
-    QProcess* mpeg = startAs(QStringLiteral("MPEG.exe"));
     JoinRun& run = bed.makeRun();
     run.cancelClicked();
     EXPECT_TRUE(mp3->waitForFinished(5000));
     EXPECT_EQ(mp3->exitStatus(), QProcess::CrashExit);
     EXPECT_FALSE(mpeg->waitForFinished(300));
     EXPECT_EQ(mpeg->state(), QProcess::Running);
+}
+
+TEST_F(JoinCancelTest, ToolsOfTheSameNameOfAnotherProgram_SurviveTheCancel) {
+    QList<QProcess*> others;
+    for (const char* name : {"MP3.exe", "MPEG.exe", "MPEG2.exe", "xMP3.exe"}) {
+        others << startAs(QLatin1String(name));
+    }
+    QProcess* ours = startTool(QStringLiteral("MPEG2.exe"));
+    JoinRun& run = bed.makeRun();
+    run.cancelClicked();
+    EXPECT_TRUE(ours->waitForFinished(5000));
+    for (QProcess* other : others) {
+        EXPECT_FALSE(other->waitForFinished(100)) << other->program().toStdString();
+        EXPECT_EQ(other->state(), QProcess::Running) << other->program().toStdString();
+    }
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+}
+
+// An MPEG-1 video join whose remake runs long: the cancel ends the remake's
+// tool (the join's copy in the per-user folder), leaves nothing, and a
+// program of the same name that runs from elsewhere goes on.
+TEST_F(JoinCancelTest, Mpeg1VCancelInOperation2_EndsTheJoinsTool_AnotherProgramOfThatNameRuns) {
+    bed.makeMpegList({a, b}, QStringLiteral("MPEG-1V"));
+    const QString mpegTemp = output + QStringLiteral(".vlr.mpg");
+    const QString tool = bed.appData + QStringLiteral("/MPEG2.exe");
+    QFile::remove(tool);
+    QFile::copy(QStringLiteral("/bin/sleep"), tool);
+    bed.writeScript(QStringLiteral("TempFile.bat"),
+                    QStringLiteral("cat %1 %2 > %3\n")
+                            .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(b),
+                                 JoinRunTestBed::quoted(mpegTemp)) +
+                        bed.removeMarkerLine());
+    bed.writeScript(QStringLiteral("MPEG.bat"),
+                    QStringLiteral("printf part > %1\n%2 30\nprintf rest >> %1\n")
+                            .arg(JoinRunTestBed::quoted(output), JoinRunTestBed::quoted(tool)) +
+                        bed.removeMarkerLine());
+    QProcess* other = startAs(QStringLiteral("MPEG2.exe"));
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    QList<qint64> remake;
+    ASSERT_TRUE(bed.tickUntil([&] {
+        remake = processesOf(tool);
+        return QFile::exists(output) && !remake.isEmpty();
+    }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+
+    run.cancelClicked();
+
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return processesOf(tool).isEmpty(); }, 5000));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+    EXPECT_FALSE(other->waitForFinished(300));
+    EXPECT_EQ(other->state(), QProcess::Running);
+    QThread::msleep(200);
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_FALSE(QFile::exists(mpegTemp));
+    EXPECT_EQ(JoinRunTestBed::readFile(a), QByteArray(3000, 'a'));
 }
 
 TEST_F(JoinCancelTest, CancelInOperation2_EndsTheFixScriptAndItsTool) {

@@ -416,7 +416,7 @@ TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
     };
     ASSERT_TRUE(JoinRunTestBed::waitUntil(toolRuns, 30000))
         << JoinProcessesOf(bed).join(u'\n').toStdString();
-    KillProcessByName(QStringLiteral("MP3.exe"));
+    KillProcessByName(QStringLiteral("MP3.exe"), bed.appData);
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000))
         << bed.state.operationText().toStdString();
     expectFailed(output, fixing(), output, QStringLiteral("Killed"));

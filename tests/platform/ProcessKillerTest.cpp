@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -68,7 +69,7 @@ TEST_F(ProcessKillerTest, KillProcessByName_EndsEveryProcessWhoseNameEndsSo_InAn
     QProcess* second = startAs(QStringLiteral("MP3.exe"));
     QProcess* tail = startAs(QStringLiteral("xmp3.EXE"));
     QProcess* other = startAs(QStringLiteral("MPEG.exe"));
-    KillProcessByName(QStringLiteral("mp3.exe"));
+    KillProcessByName(QStringLiteral("mp3.exe"), dir.path());
     EXPECT_TRUE(first->waitForFinished(5000));
     EXPECT_TRUE(second->waitForFinished(5000));
     EXPECT_TRUE(tail->waitForFinished(5000));
@@ -78,14 +79,14 @@ TEST_F(ProcessKillerTest, KillProcessByName_EndsEveryProcessWhoseNameEndsSo_InAn
 
 TEST_F(ProcessKillerTest, KillProcessByName_NameThatIsNotTheTail_LeavesProcessAlone) {
     QProcess* process = startAs(QStringLiteral("MPEG2.exe.bak"));
-    KillProcessByName(QStringLiteral("MPEG2.exe"));
+    KillProcessByName(QStringLiteral("MPEG2.exe"), dir.path());
     EXPECT_FALSE(process->waitForFinished(300));
     EXPECT_EQ(process->state(), QProcess::Running);
 }
 
 TEST_F(ProcessKillerTest, KillProcessByName_EmptyName_DoesNothing) {
     QProcess* process = startAs(QStringLiteral("MP3.exe"));
-    KillProcessByName(QString());
+    KillProcessByName(QString(), dir.path());
     EXPECT_FALSE(process->waitForFinished(300));
 }
 
@@ -93,8 +94,27 @@ TEST_F(ProcessKillerTest, KillProcessByName_DeletedExecutable_StillMatches) {
     QProcess* process = startAs(QStringLiteral("MPEG.exe"));
     QFile::remove(dir.path() + QStringLiteral("/MPEG.exe"));
     // The filter sees the path the kernel reports, less its deletion mark.
-    KillProcessByName(QStringLiteral("MPEG.exe"));
+    KillProcessByName(QStringLiteral("MPEG.exe"), dir.path());
     EXPECT_TRUE(process->waitForFinished(5000));
+}
+
+TEST_F(ProcessKillerTest, KillProcessByName_SameNameInAnotherFolder_LeavesThatProgramAlone) {
+    const QString own = dir.path() + QStringLiteral("/tools");
+    const QString other = dir.path() + QStringLiteral("/another program");
+    QDir().mkpath(own);
+    QDir().mkpath(other);
+    QProcess* ours = startAs(QStringLiteral("tools/MPEG2.exe"));
+    QProcess* theirs = startAs(QStringLiteral("another program/MPEG2.exe"));
+    KillProcessByName(QStringLiteral("MPEG2.exe"), own);
+    EXPECT_TRUE(ours->waitForFinished(5000));
+    EXPECT_FALSE(theirs->waitForFinished(300));
+    EXPECT_EQ(theirs->state(), QProcess::Running);
+}
+
+TEST_F(ProcessKillerTest, KillProcessByName_NoFolder_DoesNothing) {
+    QProcess* process = startAs(QStringLiteral("MP3.exe"));
+    KillProcessByName(QStringLiteral("MP3.exe"), QString());
+    EXPECT_FALSE(process->waitForFinished(300));
 }
 
 TEST(ProcessDetachedLaunch, LaunchScriptDetached_RunsTheScriptWithEmptyInput) {
