@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <QStorageInfo>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -17,6 +16,7 @@
 #include "list/DialogFolder.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
+#include "platform/MountTable.h"
 #include "platform/Questions.h"
 
 namespace {
@@ -97,10 +97,9 @@ QString DriveTextOf(const QString& path) {
     while (!QFileInfo(folder).isDir() && folder != QDir::rootPath()) {
         folder = QFileInfo(folder).absolutePath();
     }
-    QString root = QStorageInfo(folder).rootPath();
-    if (root.isEmpty()) {
-        root = QDir::rootPath();
-    }
+    // A folder on a network share is measured at the share's mount point,
+    // like any other drive.
+    QString root = MountPointOf(folder);
     if (!root.endsWith(u'/')) {
         root += u'/';
     }

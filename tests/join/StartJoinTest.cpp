@@ -8,6 +8,7 @@
 #include "join/JoinScripts.h"
 #include "join/ShDialect.h"
 #include "join/StartJoin.h"
+#include "support/OwnMountTable.h"
 
 namespace {
 
@@ -330,6 +331,33 @@ TEST(DriveTextOf, IsTheMountPointWithASeparator) {
     // A folder that does not exist yet is measured where it would be made.
     EXPECT_EQ(DriveTextOf(dir.path() + "/not/yet/file.mp3"), root);
     EXPECT_EQ(DriveTextOf("/file.mp3"), QStorageInfo("/").rootPath());
+}
+
+TEST_F(StartJoinTest, FreeSpace_OutputOnANetworkShare_IsMeasuredAtTheSharesMountPoint) {
+    // A mount table in which folders of the test are network shares: SMB,
+    // NFS (a mount point with a blank) and sshfs.
+    const QString smb = bed.dir.path() + "/nas";
+    const QString nfs = bed.dir.path() + "/video share";
+    const QString ssh = bed.dir.path() + "/ssh";
+    QDir().mkpath(smb + "/Music");
+    QDir().mkpath(nfs);
+    QDir().mkpath(ssh);
+    const OwnMountTable table({{smb, "cifs", "//fileserver/music"},
+                               {nfs, "nfs4", "nas:/export/video"},
+                               {ssh, "fuse.sshfs", "me@host:/srv"}});
+    EXPECT_EQ(DriveTextOf(nfs + "/Films/joined.mpg"), nfs + "/");
+    EXPECT_EQ(DriveTextOf(ssh + "/joined.mp3"), ssh + "/");
+    EXPECT_EQ(DriveTextOf(outFolder + "Joined.mp3"), "/");
+
+    const QString onShare = smb + "/Music/Joined.mp3";
+    freeKb = 1999;
+    questions().chooseFile(onShare);
+    questions().answer(Msg::No);
+    EXPECT_FALSE(StartJoin(bed.model));
+    ASSERT_EQ(questions().asked.size(), 1);
+    EXPECT_EQ(questions().asked[0].prompt, "You do not have enough free diskspace on drive " + smb +
+                                               "/.\r\nWould you like to continue?");
+    EXPECT_EQ(askedRoots, QStringList{smb + "/"});
 }
 
 // ---- the tools ----

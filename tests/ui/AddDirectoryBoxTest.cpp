@@ -22,6 +22,7 @@
 #include "platform/Drives.h"
 #include "platform/EventTurn.h"
 #include "support/MemoryClipboard.h"
+#include "support/OwnMountTable.h"
 #include "support/ScriptedQuestions.h"
 #include "support/TestEnvironment.h"
 #include "ui/AddDirectoryBox.h"
@@ -119,6 +120,22 @@ TEST_F(AddDirectoryBoxTest, RememberedFolderOnAnotherDrive_ShowsThatDrivesCurren
                   .data(QFileSystemModel::FilePathRole)
                   .toString(),
               QDir::cleanPath(media.path()));
+}
+
+TEST_F(AddDirectoryBoxTest, RememberedFolderOnANetworkShare_DriveBoxOffersAndTakesTheShare) {
+    // A mount table in which the media folder is an SMB share.
+    const QString share = QDir::cleanPath(media.path());
+    const OwnMountTable table({{share, "cifs", "//fileserver/music"}});
+    putSample("Albums/a.mp3");
+    WriteSetting("Commondialog", "AddFiles", media.filePath("Albums"));
+    AddDirectoryBox box(model);
+    auto* drives = box.findChild<QComboBox*>("DriveBox");
+    EXPECT_EQ(drives->count(), 2);
+    EXPECT_NE(drives->findData(share), -1);
+    EXPECT_EQ(box.drive(), share);
+    // Another drive than the starting one: its change step shows the share's
+    // current folder, its root.
+    EXPECT_EQ(box.dirPath(), share);
 }
 
 TEST_F(AddDirectoryBoxTest, RememberedFolderGone_LeavesTheRoot) {
