@@ -119,6 +119,116 @@ TEST_F(JoinRunTest, OtherMpeg_RenamesTempFile_ShowsOperation2ForOneTick_ThenFini
     EXPECT_EQ(bed.questions.asked.size(), 0);
 }
 
+// The join of an MPEG list with nothing to fix: the tick that starts
+// JoinOperation 2 gives TempFile its final name, and the next would finish.
+// A cancel between the two finds OutputFile under that name and deletes it.
+TEST_F(JoinRunTest, OtherMpeg_CancelInTheOneTickOfOperation2_DeletesTheRenamedOutput) {
+    bed.makeMpegList({a, b}, QStringLiteral("Other"));
+    writeJoinScript(temp());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    ASSERT_EQ(QFileInfo(output).size(), 5000);
+    ASSERT_FALSE(QFile::exists(temp()));
+
+    run.cancelClicked();
+
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_TRUE(run.cancelled());
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_EQ(bed.state.cancelButtonCaption(), QStringLiteral("&Close"));
+    EXPECT_FALSE(bed.state.timerEnabled());
+    // A tick that was still due finishes nothing.
+    run.tick();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+    EXPECT_TRUE(bed.questions.asked.isEmpty());
+}
+
+// An MP3 join cancelled in the tick that started its fix script: the script
+// is ended before it writes anything, and neither file is left.
+TEST_F(JoinRunTest, Mp3_CancelInTheFirstTickOfOperation2_EndsTheFixScript_LeavesNothing) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    const QString go2 = bed.dir.path() + QStringLiteral("/go2");
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("while [ ! -f %1 ]; do sleep 0.01; done\ncat %2 > %3\n")
+                            .arg(JoinRunTestBed::quoted(go2), JoinRunTestBed::quoted(mp3Temp),
+                                 JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    ASSERT_NE(run.launcher(), nullptr);
+    ASSERT_TRUE(QFile::exists(mp3Temp));
+
+    run.cancelClicked();
+
+    EXPECT_EQ(run.launcher(), nullptr);
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_FALSE(QFile::exists(mp3Temp));
+    // Had the script lived on, it would now write the output.
+    JoinRunTestBed::writeFile(go2, "go");
+    QThread::msleep(300);
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_EQ(bed.appDataEntries(), QStringList());
+}
+
+// The bar, the size and the percentage start again at JoinOperation 2: the
+// title loses its percentage until the fix step's output brings a figure.
+TEST_F(JoinRunTest, Operation2Start_ResetsTheBar_PercentageGoneUntilTheFirstNewFigure) {
+    bed.makeMp3List({a, b});
+    bed.model.state.setSizeCaption(QStringLiteral("5 KB"));
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    // The first script joins, then waits for go before it ends.
+    bed.writeScript(QStringLiteral("TempFile.bat"),
+                    QStringLiteral("cat %1 %2 > %3\nwhile [ ! -f %4 ]; do sleep 0.01; done\n")
+                            .arg(JoinRunTestBed::quoted(a), JoinRunTestBed::quoted(b),
+                                 JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(go)) +
+                        bed.removeMarkerLine());
+    // The fix script writes 2 KB once go2 is there, the rest once go3 is.
+    const QString go2 = bed.dir.path() + QStringLiteral("/go2");
+    const QString go3 = bed.dir.path() + QStringLiteral("/go3");
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("while [ ! -f %1 ]; do sleep 0.01; done\nhead -c 2048 %3 > %4\n"
+                                   "while [ ! -f %2 ]; do sleep 0.01; done\ncat %3 > %4\n")
+                            .arg(JoinRunTestBed::quoted(go2), JoinRunTestBed::quoted(go3),
+                                 JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    run.load(false);
+    ASSERT_TRUE(bed.tickUntil([&] { return QFileInfo(mp3Temp).size() == 5000; }));
+    run.tick();
+    ASSERT_EQ(bed.state.progressValue(), 5000.0F);
+    ASSERT_EQ(bed.state.writtenSizeText(), QStringLiteral("5 KB"));
+    ASSERT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (98%)"));
+
+    letGo();
+    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+        EXPECT_EQ(bed.state.progressValue(), 0.0F);
+        EXPECT_EQ(bed.state.progressMax(), 5120.0F);
+        EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("0 KB"));
+        EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard"));
+        run.tick();
+    }
+
+    JoinRunTestBed::writeFile(go2, "go");
+    ASSERT_TRUE(bed.tickUntil([&] { return QFileInfo(output).size() == 2048; }));
+    run.tick();
+    EXPECT_EQ(bed.state.progressValue(), 2048.0F);
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("2 KB"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (40%)"));
+    JoinRunTestBed::writeFile(go3, "go");
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+}
+
 TEST_F(JoinRunTest, Mpeg1V_FixScriptRunsThroughLauncher_WatchesOutputGrow_TempFileDeleted) {
     bed.makeMpegList({a, b}, QStringLiteral("MPEG-1V"));
     bed.model.state.setSizeCaption(QStringLiteral("8 KB"));
