@@ -106,6 +106,35 @@ TEST(RealMediaList, PastedEntry_IsFilledForTheListItIsPastedInto) {
     EXPECT_EQ(t.model.items.cell(1, 6), "0 seconds");
 }
 
+TEST(RealMediaList, Mp3RowPastedIntoAGreenMpegList_IsFilledAsAnMpegRowWithoutAWord_ListTurnsRed) {
+    QTemporaryDir dir;
+    QuietTurns turns;
+    const QString song = copySample(dir, "mimetype-mp3.mp3");
+    ListTestModel mp3;
+    AddDroppedFiles(mp3.model, {song});
+    CopyItem(mp3.model, 1, 0);
+    ASSERT_EQ(mp3.clipboard.text().split(u'|').size(), 12);
+
+    ListTestModel mpeg("MPEG");
+    AddDroppedFiles(mpeg.model, {copySample(dir, "mimetype-mpeg.mpeg", "one.mpeg"),
+                                 copySample(dir, "mimetype-mpeg.mpeg", "two.mpeg")});
+    ASSERT_EQ(mpeg.model.state.listStatus(), "Green");
+    mpeg.clipboard.setText(mp3.clipboard.text());
+    PasteItem(mpeg.model);
+
+    // The same file added to an MPEG list straight away.
+    ListTestModel direct("MPEG");
+    AddDroppedFiles(direct.model, {song});
+    ASSERT_EQ(mpeg.model.items.count(), 3);
+    EXPECT_EQ(mpeg.model.items.cells(3), direct.model.items.cells(1));
+    EXPECT_NE(mpeg.model.items.cells(3), mp3.model.items.cells(1));
+    EXPECT_NE(mpeg.model.items.cell(3, 4), mpeg.model.items.cell(1, 4));
+    EXPECT_EQ(mpeg.model.state.selectedIndex(), 3);
+    EXPECT_TRUE(mpeg.questions.asked.isEmpty());
+    EXPECT_EQ(mpeg.model.state.countCaption(), "3");
+    EXPECT_EQ(mpeg.model.state.listStatus(), "Red");
+}
+
 TEST(RealMediaList, FilesReadOnSeveralThreads_GiveTheSameCellsAsReadOneByOne) {
     QTemporaryDir dir;
     const QStringList samples{"filetype-fixture.mp3", "mimetype-mp3.v2.notag.mp3",

@@ -7,6 +7,7 @@
 #include "MainWindowTestHelpers.h"
 #include "ui/ImageButton.h"
 #include "ui/ListViewControl.h"
+#include "ui/Pictures.h"
 
 TEST(Toolbar, SevenButtons_WithTheirCaptionsInOrder) {
     WindowFixture f;
@@ -144,4 +145,35 @@ TEST(ImageButtons, DeleteRightClick_PopsUpRemoveItemsAndRemovesNothing) {
               "&Only Keep [32 kbps] Items");
     QTest::mouseClick(del, Qt::LeftButton);
     EXPECT_EQ(f.calls, QStringList{"RemoveItem 1"});
+}
+
+TEST(ImageButtons, DeleteRightClick_PressedPictureWhileDown_NormalPictureBeforeThePopUp) {
+    WindowFixture f;
+    f.fillMp3List(3);
+    f.window->show();
+    f.window->listView()->selectRow(0);
+    ImageButton* del = f.window->deleteButton();
+    const QImage normal = Pictures::pixmap("button_delete_normal", QSize(42, 38)).toImage();
+    const QImage pressed = Pictures::pixmap("button_delete_pressed", QSize(42, 38)).toImage();
+    ASSERT_NE(normal, pressed);
+    EXPECT_EQ(del->pixmap().toImage(), normal);
+
+    QTest::mousePress(del, Qt::RightButton, {}, QPoint(5, 5));
+    EXPECT_TRUE(del->showsPressedPicture());
+    EXPECT_EQ(del->pixmap().toImage(), pressed);
+
+    QWidget* shown = nullptr;
+    QImage duringPopUp;
+    WhenModalShows([&](QWidget* popup) {
+        shown = popup;
+        duringPopUp = del->pixmap().toImage();
+        popup->close();
+    });
+    QTest::mouseRelease(del, Qt::RightButton, {}, QPoint(5, 5));
+    EXPECT_EQ(shown, f.window->menu("EditRemoveItems"));
+    // The picture went back to Normal before the pop-up came up.
+    EXPECT_EQ(duringPopUp, normal);
+    EXPECT_FALSE(del->showsPressedPicture());
+    EXPECT_EQ(del->pixmap().toImage(), normal);
+    EXPECT_TRUE(f.calls.isEmpty());
 }
