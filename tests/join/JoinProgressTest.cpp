@@ -47,6 +47,21 @@ TEST(JoinProgress, ApplyWatchedFileLength_UnderHalfKB_ShowsZeroKB) {
     EXPECT_EQ(state.windowCaption(), QStringLiteral("Join Wizard (50%)"));
 }
 
+TEST(JoinProgress, SizeSource_WatchedFileOfThreeGibibytes_ShowsItsWholeLength) {
+    JoinRunTestBed bed;
+    bed.makeMp3List({});
+    bed.state.setOperationTag(QStringLiteral("1"));
+    bed.state.setProgressMax(6.0F * 1024 * 1024 * 1024);
+    // A file that is one hole: its length costs no disk.
+    const QString temp = bed.media + QStringLiteral("/joined.mp3.vlr.mp3");
+    JoinRunTestBed::writeFile(temp, "ID3");
+    ASSERT_TRUE(QFile::resize(temp, qint64{3} << 30));
+    UpdateSizeSource(bed.model, bed.state, temp);
+    EXPECT_EQ(bed.state.progressValue(), 3.0F * 1024 * 1024 * 1024);
+    EXPECT_EQ(bed.state.writtenSizeText(), QStringLiteral("3,145,728 KB"));
+    EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (50%)"));
+}
+
 TEST(JoinProgress, ParseToolStatusLine_OldForm_SecondsAndSize) {
     const auto status = ParseToolStatusLine(QStringLiteral("frame= 1 size=    4096kB time=60.00 "));
     ASSERT_TRUE(status.has_value());

@@ -8,7 +8,10 @@
 #include "join/JoinScripts.h"
 #include "join/ShDialect.h"
 #include "join/StartJoin.h"
+#include "list/FillListItem.h"
+#include "list/ListTotals.h"
 #include "support/OwnMountTable.h"
+#include "support/TestEnvironment.h"
 
 namespace {
 
@@ -331,6 +334,33 @@ TEST(DriveTextOf, IsTheMountPointWithASeparator) {
     // A folder that does not exist yet is measured where it would be made.
     EXPECT_EQ(DriveTextOf(dir.path() + "/not/yet/file.mp3"), root);
     EXPECT_EQ(DriveTextOf("/file.mp3"), QStorageInfo("/").rootPath());
+}
+
+// Two files of 3 GiB (a real MP3 that runs on as a hole: no disk is used)
+// need 12 GiB: the sizes and the free bytes are counted beyond 32 bits.
+TEST_F(StartJoinTest, FreeSpace_ListOfThreeGibibyteFiles_NeedsTwiceTheirWholeSize) {
+    for (int position = 1; position <= 2; ++position) {
+        const QString item = bed.model.items.cell(position, 3);
+        ASSERT_TRUE(QFile::copy(SampleMediaFolder() + "/mimetype-mp3.mp3", item));
+        ASSERT_TRUE(QFile::resize(item, qint64{3} << 30));
+        FillListItem(bed.model, position);
+    }
+    UpdateListTotals(bed.model);
+    ASSERT_EQ(bed.model.items.cell(1, 1), "3,145,728 KB");
+    ASSERT_EQ(bed.model.state.sizeCaption(), "6,291,456 KB");
+
+    freeKb = 12'582'911;
+    questions().chooseFile(output);
+    questions().answer(Msg::No);
+    EXPECT_FALSE(StartJoin(bed.model));
+    ASSERT_EQ(questions().asked.size(), 1);
+    EXPECT_TRUE(questions().asked[0].prompt.startsWith("You do not have enough free diskspace"));
+
+    freeKb = 12'582'912;
+    questions().asked.clear();
+    questions().chooseFile(output);
+    EXPECT_TRUE(StartJoin(bed.model));
+    EXPECT_TRUE(questions().asked.isEmpty());
 }
 
 TEST_F(StartJoinTest, FreeSpace_OutputOnANetworkShare_IsMeasuredAtTheSharesMountPoint) {

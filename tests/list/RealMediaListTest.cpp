@@ -8,6 +8,7 @@
 #include "ListTestModel.h"
 #include "list/AddFilesModule.h"
 #include "list/ClipboardModule.h"
+#include "list/ListInfoFigures.h"
 #include "list/ListTotals.h"
 #include "list/ReadAhead.h"
 #include "media/ItemCells.h"
@@ -133,6 +134,27 @@ TEST(RealMediaList, Mp3RowPastedIntoAGreenMpegList_IsFilledAsAnMpegRowWithoutAWo
     EXPECT_TRUE(mpeg.questions.asked.isEmpty());
     EXPECT_EQ(mpeg.model.state.countCaption(), "3");
     EXPECT_EQ(mpeg.model.state.listStatus(), "Red");
+}
+
+// Files of 3 GiB (a real MP3 whose file then runs on as a hole, which costs
+// no disk) have lengths beyond 32 bits, and every figure counts them whole.
+TEST(RealMediaList, FilesOfThreeGibibytes_SizeCellsTotalsAndListInfoCountIn64Bits) {
+    QTemporaryDir dir;
+    QuietTurns turns;
+    QStringList paths;
+    for (const char* name : {"one.mp3", "two.mp3"}) {
+        paths << copySample(dir, "mimetype-mp3.mp3", name);
+        ASSERT_TRUE(QFile::resize(paths.last(), qint64{3} << 30));
+    }
+    ListTestModel t;
+    AddDroppedFiles(t.model, paths);
+    ASSERT_EQ(t.model.items.count(), 2);
+    EXPECT_EQ(t.model.items.cell(1, 1), "3,145,728 KB");
+    EXPECT_EQ(t.model.items.cell(2, 1), "3,145,728 KB");
+    EXPECT_EQ(t.model.state.sizeCaption(), "6,291,456 KB");
+    const QList<ListInfoRow> rows = ListInfoRows(t.model);
+    EXPECT_EQ(rows.at(6), (ListInfoRow{"Filesize", "6,291,456 KB"}));
+    EXPECT_EQ(rows.at(9), (ListInfoRow{"Average Size (Per File)", "3,145,728 KB"}));
 }
 
 TEST(RealMediaList, FilesReadOnSeveralThreads_GiveTheSameCellsAsReadOneByOne) {
