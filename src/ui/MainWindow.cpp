@@ -17,7 +17,7 @@
 #include "ui/Pictures.h"
 #include "ui/ProgramLook.h"
 #include "ui/StatusBarControl.h"
-#include "ui/StatusBoxes.h"
+#include "list/StatusBoxes.h"
 #include "ui/Twips.h"
 
 MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* parent)
