@@ -191,7 +191,10 @@ TEST_F(CliJoin, SameListAsTheWindow_SameBytes) {
     // The window remembered its output folder in them; the command line leaves
     // them as they are now.
     const QByteArray settings = CliTestBed::readFile(bed.appData + QStringLiteral("/Settings.ini"));
-    const QString cliOutput = bed.root + QStringLiteral("/cli.mp3");
+    // Its output goes to another folder than the window's, which the window
+    // would remember.
+    QDir().mkpath(bed.root + QStringLiteral("/cli"));
+    const QString cliOutput = bed.root + QStringLiteral("/cli/cli.mp3");
     const CliRun run =
         bed.run(QStringList{QStringLiteral("join"), QStringLiteral("-o"), cliOutput} + album);
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
