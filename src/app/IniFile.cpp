@@ -336,7 +336,25 @@ QString ReadSetting(const QString& section, const QString& key) {
     return ReadIniValue(s, k, f);
 }
 
+namespace {
+bool& settingsReadOnly() {
+    static bool readOnly = false;
+    return readOnly;
+}
+}  // namespace
+
+void SetSettingsReadOnly(bool readOnly) {
+    settingsReadOnly() = readOnly;
+}
+
+bool SettingsReadOnly() {
+    return settingsReadOnly();
+}
+
 void WriteSetting(const QString& section, const QString& key, const QString& value) {
+    if (settingsReadOnly()) {
+        return;
+    }
     QString s = section, k = key, v = value, f = SettingsFile();
     WriteIniValue(s, k, v, f);
 }

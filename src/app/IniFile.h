@@ -31,3 +31,10 @@ QString IniWriteFailureMessage(const QString& file, const QString& reason);
 // throw away: they pass copies to the routines above.
 QString ReadSetting(const QString& section, const QString& key);
 void WriteSetting(const QString& section, const QString& key, const QString& value);
+
+// A face of the program that only reads the user's settings (the command
+// line) turns WriteSetting off for the rest of the process: the routines it
+// shares with the window still remember their folders, but nothing reaches
+// SettingsFile().
+void SetSettingsReadOnly(bool readOnly);
+bool SettingsReadOnly();

@@ -84,8 +84,22 @@ void SetJoinWriteTagsAndChapters(int checkBox) {
     writeCheckBox(kJoin, kWriteTagsAndChapters, checkBox);
 }
 
+namespace {
+std::optional<bool>& joinTagsOverride() {
+    static std::optional<bool> writes;
+    return writes;
+}
+}  // namespace
+
 bool JoinWritesTagsAndChapters() {
+    if (joinTagsOverride()) {
+        return *joinTagsOverride();
+    }
     return JoinWriteTagsAndChapters().value_or(1) != 0;
+}
+
+void OverrideJoinWritesTagsAndChapters(std::optional<bool> writes) {
+    joinTagsOverride() = writes;
 }
 
 CheckBoxValue TipsShowAtStartup() {

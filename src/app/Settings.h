@@ -35,8 +35,13 @@ void SetTipsShowAtStartup(int checkBox);
 CheckBoxValue JoinWriteTagsAndChapters();
 void SetJoinWriteTagsAndChapters(int checkBox);
 // The same as the join reads it: on unless the stored value is 0 (so on when
-// the key is absent).
+// the key is absent). A choice made for this process alone (below) comes
+// before the stored value.
 bool JoinWritesTagsAndChapters();
+// Decides the join's tags and chapters for the rest of the process without
+// touching the file (the command line's --no-tags); nothing returns to the
+// stored value.
+void OverrideJoinWritesTagsAndChapters(std::optional<bool> writes);
 
 // [Tips] Count and Tip1, Tip2...: the number of tips as stored (a text the
 // tips window reads as a number) and the text of tip n.

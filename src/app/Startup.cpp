@@ -48,22 +48,29 @@ QString LogCreatedRecordFor(const QDateTime& moment) {
            locale.toString(moment.time(), timeFormat);
 }
 
-StartupResult PrepareStartup(const QStringList& arguments, Questions& questions) {
-    StartupResult result;
-
+QString PrepareAppDataFolder(Questions& questions) {
     // The folder is formed, made, then formed once more and stored: the second
     // lookup sees the folder that the first one may have created.
     QString folder = appDataPath(questions);
     MakeFolderPath(folder);
-    result.appDataFolder = appDataPath(questions);
-    SetAppDataFolder(result.appDataFolder);
+    SetAppDataFolder(appDataPath(questions));
+    return AppDataFolder();
+}
+
+void StartDebugLog() {
+    StartLogging(AppDataFolder() + u'/' + LogFileNameFor(QDateTime::currentDateTime()), 2);
+    if (!LogPath().isEmpty()) {
+        LogEvent(LogCreatedRecordFor(QDateTime::currentDateTime()), 4);
+    }
+}
+
+StartupResult PrepareStartup(const QStringList& arguments, Questions& questions) {
+    StartupResult result;
+    result.appDataFolder = PrepareAppDataFolder(questions);
 
     if (IsDebugCommandLine(arguments)) {
         result.debug = true;
-        StartLogging(AppDataFolder() + u'/' + LogFileNameFor(QDateTime::currentDateTime()), 2);
-        if (!LogPath().isEmpty()) {
-            LogEvent(LogCreatedRecordFor(QDateTime::currentDateTime()), 4);
-        }
+        StartDebugLog();
         questions.msgBox(QStringLiteral("Velmora is now running in debug-mode."),
                          Msg::OkOnly + Msg::Information);
     }

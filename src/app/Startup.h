@@ -27,6 +27,14 @@ struct StartupResult {
 // lookup.
 StartupResult PrepareStartup(const QStringList& arguments, Questions& questions);
 
+// Step 1 of the above on its own: forms the per-user folder, makes every
+// missing level of it and stores it as AppDataFolder(). Returns it.
+QString PrepareAppDataFolder(Questions& questions);
+
+// Starts the debug log: a new file named for this moment in AppDataFolder(),
+// with its first record.
+void StartDebugLog();
+
 // The arguments of the process as it received them, the program first.
 QStringList CommandLineOf(int argc, const char* const* argv);
 

@@ -290,6 +290,10 @@ void JoinRun::cancelClicked() {
     state_.requestFocusOnFord();
 }
 
+QStringList JoinRun::leftOutStreams() const {
+    return LeftOutStreams(toolOutputHead_);
+}
+
 void JoinRun::launchFile() {
     LaunchOutputFile(model_);
 }

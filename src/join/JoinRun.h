@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <cstdint>
 #include <functional>
@@ -73,6 +74,9 @@ public:
     ProcessRunner* launcher() const { return launcher_; }
     // The process id of the shell that runs TempFile.bat (0 when none started).
     qint64 firstScriptProcessId() const { return firstScriptPid_; }
+    // The streams of the sources that the MPEG remake left out, as its tool
+    // described them; empty for a join that left none out.
+    QStringList leftOutStreams() const;
 
     // Where the launchers come from; the program makes plain ProcessRunners.
     // A test may hand out one that is busy already.

@@ -12,12 +12,12 @@
 #include "app/Version.h"
 #include "list/Columns.h"
 #include "list/ListviewLayout.h"
+#include "list/StatusBoxes.h"
 #include "ui/ListViewControl.h"
 #include "ui/PaintThrottle.h"
 #include "ui/Pictures.h"
 #include "ui/ProgramLook.h"
 #include "ui/StatusBarControl.h"
-#include "ui/StatusBoxes.h"
 #include "ui/Twips.h"
 
 MainWindow::MainWindow(Questions& questions, Clipboard& clipboard, QWidget* parent)

@@ -21,6 +21,7 @@
 #include "media/MediaInfoFile.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
 #include "support/MediaMaker.h"
+#include "support/MutagenTag.h"
 #include "support/TagByteForms.h"
 
 namespace {
@@ -58,18 +59,6 @@ Probed probeChapters(const QString& path) {
                                  .toDouble() -
                              start;
     return probed;
-}
-
-// What python3-mutagen (Debian's, not a python3 that may stand first on the
-// PATH) reads of the file's tag.
-QJsonObject mutagenTag(const QString& path) {
-    QProcess process;
-    process.start(QStringLiteral("/usr/bin/python3"),
-                  {QStringLiteral(VELMORA_MUTAGEN_READER), path});
-    process.waitForFinished(120000);
-    const QByteArray errors = process.readAllStandardError();
-    EXPECT_EQ(process.exitCode(), 0) << errors.toStdString();
-    return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
 }
 
 QByteArray md5Hex(const QByteArray& bytes) {
@@ -328,7 +317,7 @@ protected:
     // python3-mutagen: an ID3v2.3 tag whose top-level ordered table lists the
     // chapters in list order, and nothing of what describes one source only.
     QJsonObject expectMutagenTag(const QString& output) {
-        const QJsonObject tag = mutagenTag(output);
+        const QJsonObject tag = ReadTagWithMutagen(output);
         EXPECT_EQ(tag.value(QStringLiteral("version")).toString(), QStringLiteral("2.3"));
         EXPECT_EQ(tag.value(QStringLiteral("topLevelTables")).toInt(), 1);
         EXPECT_TRUE(tag.value(QStringLiteral("topLevelOrdered")).toBool());

@@ -67,11 +67,15 @@ ROOT=$WORK/root
 rm -rf "$ROOT"
 dpkg-deb -x "$DEB" "$ROOT"
 FOLDER=$(dirname "$(find "$ROOT/usr/lib" -name velmora -type f -perm -u+x | head -n 1)")
-for name in velmora DefaultSettings.ini ReadMe.htm MP3.dll MPEG.dll MPEG2.dll; do
+for name in velmora velmora-cli DefaultSettings.ini ReadMe.htm MP3.dll MPEG.dll MPEG2.dll; do
     [ -e "$FOLDER/$name" ] || [ -L "$FOLDER/$name" ] || fail "$name is missing from the program folder"
 done
 [ -L "$ROOT/usr/bin/velmora" ] || fail "/usr/bin/velmora is not a link to the program"
 [ -f "$ROOT/usr/share/man/man1/velmora.1.gz" ] || fail "the manual page is missing"
+[ -L "$ROOT/usr/bin/velmora-cli" ] || fail "/usr/bin/velmora-cli is not a link to the program"
+[ -f "$ROOT/usr/share/man/man1/velmora-cli.1.gz" ] || fail "the manual page of velmora-cli is missing"
+[ -f "$ROOT/usr/share/bash-completion/completions/velmora-cli" ] ||
+    fail "the bash completion of velmora-cli is missing"
 [ -f "$ROOT/usr/share/icons/hicolor/scalable/apps/velmora.svg" ] || fail "the icon is missing"
 
 echo "== desktop-file-validate"
@@ -133,4 +137,19 @@ cat "$RUN/output.txt"
 # program folder: the program found its own folder through the link.
 cmp -s "$FOLDER/DefaultSettings.ini" "$RUN/data/Kestor/Velmora/Settings.ini" ||
     fail "the first run did not copy the extracted DefaultSettings.ini"
+echo "== The extracted command line joins with no display"
+CLI=$WORK/cli
+rm -rf "$CLI"
+mkdir -p "$CLI/home" "$CLI/data"
+for tone in 440 660; do
+    ffmpeg -nostdin -loglevel error -y -f lavfi -i "sine=frequency=$tone:duration=1" \
+        -codec:a libmp3lame -b:a 128k "$CLI/$tone.mp3" || fail "ffmpeg could not make a test file"
+done
+status=0
+env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY HOME="$CLI/home" XDG_DATA_HOME="$CLI/data" \
+    "$ROOT/usr/bin/velmora-cli" join --progress=lines -o "$CLI/joined.mp3" \
+    "$CLI/440.mp3" "$CLI/660.mp3" || status=$?
+[ $status -eq 0 ] || fail "the extracted velmora-cli did not join (exit status $status)"
+[ -s "$CLI/joined.mp3" ] || fail "the extracted velmora-cli left no joined file"
+[ ! -e "$CLI/data/Kestor/Velmora/Settings.ini" ] || fail "velmora-cli wrote a Settings.ini"
 echo "== The package is fine"
