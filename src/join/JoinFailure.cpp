@@ -8,6 +8,7 @@
 #include "list/Columns.h"
 #include "list/MainModel.h"
 #include "platform/ExitStatus.h"
+#include "platform/ProcessRunner.h"
 
 namespace {
 
@@ -189,6 +190,20 @@ std::optional<JoinFailure> CheckRenamedFile(const MainModel& model, const QStrin
     }
     return JoinFailure{FixingStepName(), output,
                        renameError.isEmpty() ? openError(output) : renameError};
+}
+
+JoinFailure ScriptShellFailure(const QString& step, const QString& script,
+                               const ProcessRunner& shell) {
+    if (shell.status() == ProcessRunner::Failed) {
+        return {step, shell.program(), ErrorNumberReason(shell.errorNumber())};
+    }
+    if (shell.status() == ProcessRunner::AlreadyRunning) {
+        return {step, script, QStringLiteral("the launcher was still running another command")};
+    }
+    if (shell.crashed() && shell.endSignal() > 0) {
+        return {step, script, SignalReason(shell.endSignal())};
+    }
+    return {step, script, QStringLiteral("the script ended before its work was done")};
 }
 
 QList<LeftBehindFile> DeleteFailedJoinOutput(const MainModel& model) {

@@ -7,6 +7,7 @@
 #include "join/JoinCleanup.h"
 
 struct MainModel;
+class ProcessRunner;
 
 // A join whose step failed ends in the failed state, never "Finished!": the
 // run learns of the failure from the record a failed step of an sh script
@@ -59,6 +60,14 @@ std::optional<JoinFailure> CheckFixedFile(const MainModel& model, const QString&
 // name of OutputFile: nothing when OutputFile is there. renameError is the
 // reason the rename gave, if it failed.
 std::optional<JoinFailure> CheckRenamedFile(const MainModel& model, const QString& renameError);
+
+// A script whose marker folder is still there while the shell that was to run
+// it (the runner's program) has ended or never started: the script will not
+// reach its end. A shell that could not be started is named with the system's
+// reason; otherwise the script is, with the signal that killed its shell, or
+// "the script ended before its work was done".
+JoinFailure ScriptShellFailure(const QString& step, const QString& script,
+                               const ProcessRunner& shell);
 
 // Deletes OutputFile and TempFile, so that nothing of a failed join is left
 // under either name. The files that could not be deleted, with the reason.

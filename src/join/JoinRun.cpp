@@ -17,7 +17,6 @@
 #include "join/JoinWizardState.h"
 #include "join/RemakeStreams.h"
 #include "list/MainModel.h"
-#include "platform/DetachedLaunch.h"
 #include "platform/EventTurn.h"
 #include "platform/FileHelpers.h"
 #include "platform/ProcessKiller.h"
@@ -33,9 +32,13 @@ constexpr qsizetype kToolOutputTail = 4096;
 // How long the run waits for a failed fix script to end, so that the last
 // words of its tool have arrived.
 constexpr int kFailedScriptWaitMs = 5000;
-QString& scriptShell() {
+QString& scriptShellSetting() {
     static QString shell;
     return shell;
+}
+
+QString scriptShell() {
+    return scriptShellSetting().isEmpty() ? QStringLiteral("/bin/sh") : scriptShellSetting();
 }
 
 JoinRun::LauncherFactory& launcherFactory() {
@@ -83,7 +86,7 @@ JoinRun::LauncherFactory JoinRun::setLauncherFactory(LauncherFactory factory) {
 }
 
 QString JoinRun::setScriptShell(const QString& shell) {
-    return std::exchange(scriptShell(), shell);
+    return std::exchange(scriptShellSetting(), shell);
 }
 
 void JoinRun::syncTimers() {
@@ -124,7 +127,13 @@ void JoinRun::load(bool ownTimers) {
     toolOutputTail_.clear();
 
     makeMarker();
-    firstScriptPid_ = LaunchScriptDetached(AppDataPath(JoinNames::kTempFileScript));
+    // Hidden and with its output dropped: of the first script the run reads
+    // nothing but the end of its shell.
+    delete firstScript_;
+    firstScript_ = new ProcessRunner(this);
+    firstScript_->setOutputDiscarded(true);
+    firstScript_->command(scriptShell(), {AppDataPath(JoinNames::kTempFileScript)});
+    firstScriptPid_ = firstScript_->processId();
     if (!LogPath().isEmpty()) {
         LogEvent(QStringLiteral("BAT1 Launched."), 4);
         LogEvent(QStringLiteral("OutputFile=") + OutputFilePath(model_), 4);
@@ -136,7 +145,15 @@ void JoinRun::tick() {
         return;
     }
     const QString operation = state_.operationTag();
+    // The end of a shell is known from an event handled before this tick, and
+    // a script that reaches its end removes the marker before its shell
+    // exits: a marker seen after the end is one that nobody will remove.
+    const bool shellEnded = shellGone();
     const bool running = markerExists();
+    if (running && shellEnded) {
+        failOnGoneShell();
+        return;
+    }
     QString watched;
     if (operation == kOperation1 && running) {
         watched = TempFilePath(model_);
@@ -183,17 +200,9 @@ void JoinRun::startOperation2() {
         connect(launcher_, &ProcessRunner::dataReceived, this, &JoinRun::dataReceived);
         launcher_->setBufferSize(8192);
         launcher_->setStopTimeout(1000);
-        const QString shell = scriptShell().isEmpty() ? QStringLiteral("/bin/sh") : scriptShell();
-        launcher_->command(shell, {AppDataPath(script)});
-        const int status = launcher_->status();
-        if (status == ProcessRunner::AlreadyRunning) {
-            model_.questions.msgBox(QStringLiteral("Process is already running!"),
-                                    Msg::OkOnly + Msg::Critical);
-        } else if (status == ProcessRunner::Failed) {
-            model_.questions.msgBox(QStringLiteral("An error occured!\rError Details: ") +
-                                        QString::number(launcher_->errorNumber()),
-                                    Msg::OkOnly + Msg::Critical);
-        }
+        // A script that does not start is told by the next tick: its
+        // marker stays while its shell is gone.
+        launcher_->command(scriptShell(), {AppDataPath(script)});
         return;
     }
     // Nothing to fix: the raw join takes the final name, and with JoinTemp
@@ -204,6 +213,29 @@ void JoinRun::startOperation2() {
             fail(*failure);
         }
     }
+}
+
+ProcessRunner* JoinRun::currentShell() const {
+    const QString operation = state_.operationTag();
+    if (operation == kOperation1) {
+        return firstScript_;
+    }
+    return operation == kOperation2 ? launcher_ : nullptr;
+}
+
+bool JoinRun::shellGone() const {
+    const ProcessRunner* shell = currentShell();
+    return shell != nullptr && shell->status() != ProcessRunner::Running;
+}
+
+void JoinRun::failOnGoneShell() {
+    ProcessRunner* shell = currentShell();
+    // A killed shell may leave its copy or its tool behind, still writing.
+    shell->endLeftovers();
+    const bool first = shell == firstScript_;
+    const QString script = first ? JoinNames::kTempFileScript : FixScriptName(model_);
+    fail(ScriptShellFailure(first ? JoiningStepName() : FixingStepName(), AppDataPath(script),
+                            *shell));
 }
 
 std::optional<JoinFailure> JoinRun::postCheck() {
@@ -259,8 +291,9 @@ void JoinRun::cancelClicked() {
     // A shell goes on reading a script that was deleted under it, so the shell
     // of the first script is ended with it, and so is the fix script's
     // launcher with everything it started.
-    KillScriptShell(firstScriptPid_, AppDataPath(JoinNames::kTempFileScript));
-    firstScriptPid_ = 0;
+    if (firstScript_ != nullptr) {
+        firstScript_->stop();
+    }
     KillToolsInAppData();
     if (launcher_ != nullptr) {
         launcher_->stop();

@@ -27,6 +27,9 @@ class ProcessRunner;
 //   "2" and JoinTemp there: the fix runs, OutputFile is watched;
 //   "2" and JoinTemp gone:  post-check and finish;
 //   "1" and JoinTemp gone:  check of TempFile, then JoinOperation 2 starts.
+// The run also holds the shell of each script: a shell that could not be
+// started, or that has ended while JoinTemp is still there, will never remove
+// it, and the run fails at the next tick rather than wait for ever.
 //
 // A step that failed (told by the record an sh script leaves, or found by
 // the checks of TempFile and OutputFile) ends the run in the failed state:
@@ -78,16 +81,25 @@ public:
     // described them; empty for a join that left none out.
     QStringList leftOutStreams() const;
 
-    // Where the launchers come from; the program makes plain ProcessRunners.
-    // A test may hand out one that is busy already.
+    // Where the launchers of the fix scripts come from; the program makes
+    // plain ProcessRunners. A test may hand out one that is busy already.
     using LauncherFactory = std::function<ProcessRunner*(QObject* parent)>;
     static LauncherFactory setLauncherFactory(LauncherFactory factory);
-    // The shell that runs the fix scripts, "/bin/sh"; a test may name one that
+    // The shell that runs the scripts, "/bin/sh"; a test may name one that
     // cannot be started. Returns the previous one; empty restores the default.
     static QString setScriptShell(const QString& shell);
 
 private:
     void startOperation2();
+    // The shell of the running JoinOperation's script: the first script's in
+    // JoinOperation 1, the fix script's in JoinOperation 2 (none when nothing
+    // is fixed).
+    ProcessRunner* currentShell() const;
+    // True when that shell could not be started or has ended.
+    bool shellGone() const;
+    // The failed state for a script whose shell is gone while its marker is
+    // still there; what the shell left running is ended first.
+    void failOnGoneShell();
     // The post-check of JoinOperation 2: what failed, or nothing when
     // OutputFile is whole (TempFile is then deleted).
     std::optional<JoinFailure> postCheck();
@@ -110,6 +122,9 @@ private:
     // streams) and its last lines (where a tool says why it failed).
     QString toolOutputHead_;
     QString toolOutputTail_;
+    // The shell of TempFile.bat, whose output is discarded, and the launcher of
+    // the fix script.
+    ProcessRunner* firstScript_ = nullptr;
     ProcessRunner* launcher_ = nullptr;
     qint64 firstScriptPid_ = 0;
 };

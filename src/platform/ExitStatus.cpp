@@ -11,15 +11,23 @@ constexpr int kNotFound = 127;
 constexpr int kNotExecutable = 126;
 }  // namespace
 
+QString SignalReason(int signal) {
+    return QString::fromLocal8Bit(::strsignal(signal));
+}
+
+QString ErrorNumberReason(int errorNumber) {
+    return QString::fromLocal8Bit(std::strerror(errorNumber));
+}
+
 QString ExitStatusReason(int status) {
     if (status > kSignalBase && status < kSignalBase + NSIG) {
-        return QString::fromLocal8Bit(::strsignal(status - kSignalBase));
+        return SignalReason(status - kSignalBase);
     }
     if (status == kNotFound) {
-        return QString::fromLocal8Bit(std::strerror(ENOENT));
+        return ErrorNumberReason(ENOENT);
     }
     if (status == kNotExecutable) {
-        return QString::fromLocal8Bit(std::strerror(EACCES));
+        return ErrorNumberReason(EACCES);
     }
     return QStringLiteral("exit status ") + QString::number(status);
 }

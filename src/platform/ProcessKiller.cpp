@@ -68,27 +68,6 @@ void KillProcessByName(const QString& name, const QString& folder) {
     }
 }
 
-void KillScriptShell(qint64 processId, const QString& scriptPath) {
-    if (processId <= 0) {
-        return;
-    }
-    QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(processId));
-    if (!cmdline.open(QIODevice::ReadOnly)) {
-        return;
-    }
-    const QList<QByteArray> arguments = cmdline.readAll().split('\0');
-    if (!arguments.contains(scriptPath.toUtf8())) {
-        return;
-    }
-    const pid_t group = ::getpgid(static_cast<pid_t>(processId));
-    // Never the group of this program itself.
-    if (group > 0 && group != ::getpgrp()) {
-        ::kill(-group, SIGKILL);
-    } else {
-        ::kill(static_cast<pid_t>(processId), SIGKILL);
-    }
-}
-
 ProcessKillFilter setProcessKillFilter(ProcessKillFilter filter) {
     return std::exchange(killFilter(), std::move(filter));
 }

@@ -12,12 +12,6 @@
 // cannot be read (another user's). An empty name or folder does nothing.
 void KillProcessByName(const QString& name, const QString& folder);
 
-// Ends the shell that runs a script, with everything it started (its process
-// group), by SIGKILL: only when the process still runs with scriptPath among
-// its arguments, so that a process id taken over by another program is left
-// alone. Nothing for a process id of 0 or less.
-void KillScriptShell(qint64 processId, const QString& scriptPath);
-
 // Narrows which matching processes KillProcessByName may end: only those for
 // which the filter returns true (given the process id). The program sets none;
 // a test that runs beside others narrows it to processes of its own folders.

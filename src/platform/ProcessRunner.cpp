@@ -29,9 +29,12 @@ void ProcessRunner::command(const QString& program, const QStringList& arguments
         status_ = AlreadyRunning;
         return;
     }
+    program_ = program;
     errorNumber_ = 0;
     crashed_ = false;
     exitCode_ = 0;
+    endSignal_ = 0;
+    group_ = 0;
     decoder_.resetState();
 
     // A missing or unrunnable program is told by its errno, as the shell would.
@@ -51,8 +54,13 @@ void ProcessRunner::command(const QString& program, const QStringList& arguments
 
     delete process_;
     process_ = new QProcess(this);
-    process_->setProcessChannelMode(QProcess::MergedChannels);
     process_->setStandardInputFile(QProcess::nullDevice());
+    if (outputDiscarded_) {
+        process_->setStandardOutputFile(QProcess::nullDevice());
+        process_->setStandardErrorFile(QProcess::nullDevice());
+    } else {
+        process_->setProcessChannelMode(QProcess::MergedChannels);
+    }
     process_->setReadChannel(QProcess::StandardOutput);
     // A group of its own, so that stop() reaches the tools the command starts.
     process_->setChildProcessModifier([] { ::setpgid(0, 0); });
@@ -65,6 +73,7 @@ void ProcessRunner::command(const QString& program, const QStringList& arguments
         errorNumber_ = ENOEXEC;
         return;
     }
+    group_ = process_->processId();
     status_ = Running;
 }
 
@@ -91,6 +100,9 @@ void ProcessRunner::onFinished(int exitCode, QProcess::ExitStatus exitStatus) {
     // A crash says nothing through the exit code: look at the status first.
     crashed_ = exitStatus == QProcess::CrashExit;
     exitCode_ = crashed_ ? -1 : exitCode;
+    // On a crash the system's wait status holds the signal where the exit
+    // code would stand.
+    endSignal_ = crashed_ && exitCode > 0 && exitCode < NSIG ? exitCode : 0;
     status_ = Ended;
     emit processEnded();
 }
@@ -110,5 +122,13 @@ void ProcessRunner::stop() {
     if (pid > 0) {
         ::kill(-static_cast<pid_t>(pid), SIGKILL);
     }
+    group_ = 0;
     process_->waitForFinished(stopTimeoutMs_);
+}
+
+void ProcessRunner::endLeftovers() {
+    if (group_ > 0 && !isRunning()) {
+        ::kill(-static_cast<pid_t>(group_), SIGKILL);
+    }
+    group_ = 0;
 }

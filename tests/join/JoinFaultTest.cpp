@@ -7,9 +7,11 @@
 // of the join left in AppDataFolder after "&Close".
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <QCryptographicHash>
 #include <QMap>
 #include <QRandomGenerator>
@@ -18,6 +20,7 @@
 #include <functional>
 
 #include "join/JoinFaultSupport.h"
+#include "platform/ProcessRunner.h"
 
 namespace {
 
@@ -88,6 +91,24 @@ protected:
         return output;
     }
     QString mediaPath(const QString& name) const { return bed.media + u'/' + name; }
+    QString appDataPath(const QString& name) const { return bed.appData + u'/' + name; }
+
+    // Puts the slow tool in place of the MP3 fix tool's copy.
+    void slowFixTool() {
+        const QString tool = appDataPath(QStringLiteral("MP3.exe"));
+        ASSERT_TRUE(QFile::remove(tool));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(VELMORA_SLOW_TOOL), tool));
+    }
+    // True while a process runs the copy of the MP3 fix tool.
+    bool fixToolRuns() const {
+        const QString tool = bed.appData + QStringLiteral("/MP3.exe");
+        for (const QString& process : JoinProcessesOf(bed)) {
+            if (ExecutablePathOf(process.section(u' ', 0, 0).toLongLong()) == tool) {
+                return true;
+            }
+        }
+        return false;
+    }
 
     // The join of two files of random bytes of the given video type (a
     // plain join when empty) into joined.mpg, through the pre-flight.
@@ -106,6 +127,16 @@ protected:
         const QString pipe = mediaPath(QStringLiteral("first.mpg"));
         EXPECT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
         return pipe;
+    }
+    // True while some process has the pipe open for reading: only then may a
+    // writer open it without waiting.
+    static bool pipeHasReader(const QString& pipe) {
+        const int fd = ::open(pipe.toLocal8Bit().constData(), O_WRONLY | O_NONBLOCK);
+        if (fd < 0) {
+            return errno != ENXIO;
+        }
+        ::close(fd);
+        return true;
     }
     // Runs the join until its first script reads the pipe, does meanwhile,
     // then gives the script the pipe's bytes and waits for the end.
@@ -375,23 +406,18 @@ TEST_F(JoinFaultTest, FixToolMissingAtOperation2_Fails) {
     expectCleanEnd(output);
 }
 
-TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_WaitsUntilCancel_CancelGetsOut) {
+TEST_F(JoinFaultTest, FixScriptMissingAtOperation2_FailsWithinTwoSeconds) {
     const QString output = startMp3Join();
     JoinRun& run = runOperation1();
-    ASSERT_TRUE(QFile::remove(bed.appData + QStringLiteral("/MP3.bat")));
+    const QString script = appDataPath(QStringLiteral("MP3.bat"));
+    ASSERT_TRUE(QFile::remove(script));
     run.tick();
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
-    // Nothing will remove the marker: the run waits, its clock running.
-    const std::int16_t before = run.elapsedSeconds();
-    EXPECT_FALSE(bed.tickUntil([&] { return bed.finished(); }, 1500));
-    run.clockTick();
-    EXPECT_EQ(run.elapsedSeconds(), before + 1);
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
-    EXPECT_TRUE(QDir(bed.marker()).exists());
-
-    run.cancelClicked();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
-    EXPECT_FALSE(QFile::exists(output));
+    // Its shell ends at once and nothing will remove the marker.
+    ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 2000))
+        << bed.state.operationText().toStdString();
+    expectFailed(output, fixing(), script,
+                 QStringLiteral("the script ended before its work was done"));
     close();
     expectCleanEnd(output);
 }
@@ -401,20 +427,10 @@ TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
     JoinRun& run = runOperation1();
     // Whatever the tool copy holds, it is ended by its copy's name; a copy
     // that works slowly makes sure it is caught while it runs.
-    const QString tool = bed.appData + QStringLiteral("/MP3.exe");
-    ASSERT_TRUE(QFile::remove(tool));
-    ASSERT_TRUE(QFile::copy(QStringLiteral(VELMORA_SLOW_TOOL), tool));
+    slowFixTool();
     run.tick();
     EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
-    const auto toolRuns = [&] {
-        for (const QString& process : JoinProcessesOf(bed)) {
-            if (ExecutablePathOf(process.section(u' ', 0, 0).toLongLong()) == tool) {
-                return true;
-            }
-        }
-        return false;
-    };
-    ASSERT_TRUE(JoinRunTestBed::waitUntil(toolRuns, 30000))
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return fixToolRuns(); }, 30000))
         << JoinProcessesOf(bed).join(u'\n').toStdString();
     KillProcessByName(QStringLiteral("MP3.exe"), bed.appData);
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 30000))
@@ -484,6 +500,74 @@ TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation2_Fails) {
     ::kill(static_cast<pid_t>(pid), SIGCONT);
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 60000));
     expectFailed(output, fixing(), output, QStringLiteral("No such file or directory"));
+    close();
+    expectCleanEnd(output);
+}
+
+// ---- the shell of a script is killed or cannot be started ----
+
+TEST_F(JoinFaultTest, FirstScriptShellKilled_FailsWithinTwoSeconds_AndEndsItsCopy) {
+    // The first item is a pipe: the script's copy waits on it while the test
+    // kills the shell that runs the script, and only the shell.
+    const QString pipe = pipeSource();
+    const QString second = randomFile(QStringLiteral("second.mpg"), 30000);
+    bed.makeMpegList({pipe, second}, QString());
+    const QString output = bed.dir.path() + QStringLiteral("/joined.mpg");
+    startJoin(output);
+    JoinRun& run = bed.makeRun();
+    run.load(true);
+    QFile feed(pipe);
+    ASSERT_TRUE(feed.open(QIODevice::WriteOnly));  // blocks until the copy reads
+    ASSERT_EQ(::kill(static_cast<pid_t>(run.firstScriptProcessId()), SIGKILL), 0);
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 2000))
+        << bed.state.operationText().toStdString();
+    // The copy that the shell left behind has been ended: nothing reads the
+    // pipe any more.
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return !pipeHasReader(pipe); }, 2000));
+    feed.close();
+    expectFailed(output, joining(), appDataPath(QStringLiteral("TempFile.bat")),
+                 QStringLiteral("Killed"));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, FirstScriptShellCannotStart_FailsWithinTwoSeconds_AndLogsIt) {
+    const QString output = startMp3Join();
+    const QString log = bed.dir.path() + QStringLiteral("/debug.log");
+    StartLogging(log, 2);
+    const QString shell = bed.dir.path() + QStringLiteral("/no shell here");
+    const QString previous = JoinRun::setScriptShell(shell);
+    bed.makeRun().load(true);
+    JoinRun::setScriptShell(previous);
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 2000))
+        << bed.state.operationText().toStdString();
+    StopLogging();
+    expectFailed(output, joining(), shell, QStringLiteral("No such file or directory"));
+    const QString text = QString::fromUtf8(JoinRunTestBed::readFile(log));
+    EXPECT_TRUE(text.contains(QStringLiteral("\nFailed: ") + joining() + QStringLiteral(" | ") +
+                              shell + QStringLiteral(" | No such file or directory\n")))
+        << text.toStdString();
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, FixScriptShellKilled_FailsWithinTwoSeconds_AndEndsItsTool) {
+    const QString output = startMp3Join();
+    JoinRun& run = runOperation1();
+    slowFixTool();
+    run.tick();
+    ASSERT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return fixToolRuns(); }, 30000))
+        << JoinProcessesOf(bed).join(u'\n').toStdString();
+    ASSERT_EQ(::kill(static_cast<pid_t>(run.launcher()->processId()), SIGKILL), 0);
+    EXPECT_TRUE(bed.tickUntil([&] { return bed.finished(); }, 2000))
+        << bed.state.operationText().toStdString();
+    expectFailed(output, fixing(), appDataPath(QStringLiteral("MP3.bat")),
+                 QStringLiteral("Killed"));
+    // The tool that the shell left behind has been ended with it, before the
+    // clean-up of "&Close" would end it by name.
+    EXPECT_TRUE(JoinRunTestBed::waitUntil([&] { return !fixToolRuns(); }, 2000))
+        << JoinProcessesOf(bed).join(u'\n').toStdString();
     close();
     expectCleanEnd(output);
 }

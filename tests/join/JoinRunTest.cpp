@@ -334,32 +334,34 @@ TEST_F(JoinRunTest, Mpeg2V_FixerWritesOutput_TempFileDeleted) {
     EXPECT_FALSE(QFile::exists(temp()));
 }
 
-TEST_F(JoinRunTest, FixScriptCannotStart_ShowsErrorNumber_AndWaitsForCancel) {
+TEST_F(JoinRunTest, FixScriptShellCannotStart_FailsOnTheShell_WithTheSystemsReason) {
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
     bed.makeMp3List({a, b});
-    writeJoinScript(output + QStringLiteral(".vlr.mp3"));
+    writeJoinScript(mp3Temp);
     bed.writeScript(QStringLiteral("MP3.bat"), bed.removeMarkerLine());
-    const QString previous = JoinRun::setScriptShell(QStringLiteral("/nonexistent/sh"));
     JoinRun& run = bed.makeRun();
     run.load(false);
+    // The first script runs; the shell for the fix script is missing.
+    const QString previous = JoinRun::setScriptShell(QStringLiteral("/nonexistent/sh"));
     letGo();
-    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    const bool ended = bed.tickUntil([&] { return bed.finished(); });
     JoinRun::setScriptShell(previous);
+    ASSERT_TRUE(ended) << bed.state.operationText().toStdString();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_FALSE(QFile::exists(mp3Temp));
     ASSERT_EQ(bed.questions.asked.size(), 1);
-    EXPECT_EQ(bed.questions.asked[0].prompt, QStringLiteral("An error occured!\rError Details: 2"));
     EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
     EXPECT_EQ(bed.questions.asked[0].title, QString());
-    // Hung: the marker stays, and ticks change nothing until the user cancels.
-    for (int i = 0; i < 20; ++i) {
-        run.tick();
-    }
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Operation 2 of 2"));
-    EXPECT_TRUE(bed.state.timerEnabled());
+    EXPECT_TRUE(bed.questions.asked[0].prompt.contains(
+        QStringLiteral("Operation 2 of 2 (fixing the joined file)\r\nFile: /nonexistent/sh\r\n"
+                       "Reason: No such file or directory")))
+        << bed.questions.asked[0].prompt.toStdString();
     run.cancelClicked();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
     EXPECT_FALSE(QFileInfo::exists(bed.marker()));
 }
 
-TEST_F(JoinRunTest, FixScriptWhileLauncherBusy_ShowsProcessAlreadyRunning) {
+TEST_F(JoinRunTest, FixScriptWhileLauncherBusy_FailsOnTheScript) {
     bed.makeMp3List({a, b});
     writeJoinScript(output + QStringLiteral(".vlr.mp3"));
     const auto previous = JoinRun::setLauncherFactory([](QObject* parent) {
@@ -370,13 +372,19 @@ TEST_F(JoinRunTest, FixScriptWhileLauncherBusy_ShowsProcessAlreadyRunning) {
     JoinRun& run = bed.makeRun();
     run.load(false);
     letGo();
-    ASSERT_TRUE(bed.tickUntil([&] { return inOperation2(); }));
+    const bool ended = bed.tickUntil([&] { return bed.finished(); });
     JoinRun::setLauncherFactory(previous);
+    ASSERT_TRUE(ended) << bed.state.operationText().toStdString();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Failed!"));
     ASSERT_EQ(bed.questions.asked.size(), 1);
-    EXPECT_EQ(bed.questions.asked[0].prompt, QStringLiteral("Process is already running!"));
-    EXPECT_EQ(bed.questions.asked[0].style, Msg::OkOnly + Msg::Critical);
+    EXPECT_TRUE(bed.questions.asked[0].prompt.contains(
+        QStringLiteral("File: ") + bed.appData +
+        QStringLiteral("/MP3.bat\r\nReason: the launcher was still running another command")))
+        << bed.questions.asked[0].prompt.toStdString();
+    // "&Close" ends what the busy launcher ran.
+    const qint64 busy = run.launcher()->processId();
     run.cancelClicked();
-    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Cancelled!"));
+    EXPECT_FALSE(QFileInfo::exists(QStringLiteral("/proc/%1").arg(busy)));
 }
 
 TEST_F(JoinRunTest, Clock_CountsSeconds_AndStopsAt32767) {

@@ -1,33 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
 
-#include "platform/DetachedLaunch.h"
 #include "platform/ProcessKiller.h"
 
 namespace {
-
-bool isGoneOrZombie(qint64 pid) {
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    return !stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z ");
-}
-
-bool waitGone(qint64 pid, int ms = 5000) {
-    QDeadlineTimer deadline(ms);
-    while (!isGoneOrZombie(pid)) {
-        if (deadline.hasExpired()) {
-            return false;
-        }
-        QThread::msleep(10);
-    }
-    return true;
-}
 
 // Copies of sleep under names of our own, in a folder of our own; the kill
 // filter keeps every other process of the machine out of reach.
@@ -98,74 +79,7 @@ TEST_F(ProcessKillerTest, KillProcessByName_DeletedExecutable_StillMatches) {
     EXPECT_TRUE(process->waitForFinished(5000));
 }
 
-TEST_F(ProcessKillerTest, KillProcessByName_SameNameInAnotherFolder_LeavesThatProgramAlone) {
-    const QString own = dir.path() + QStringLiteral("/tools");
-    const QString other = dir.path() + QStringLiteral("/another program");
-    QDir().mkpath(own);
-    QDir().mkpath(other);
-    QProcess* ours = startAs(QStringLiteral("tools/MPEG2.exe"));
-    QProcess* theirs = startAs(QStringLiteral("another program/MPEG2.exe"));
-    KillProcessByName(QStringLiteral("MPEG2.exe"), own);
-    EXPECT_TRUE(ours->waitForFinished(5000));
-    EXPECT_FALSE(theirs->waitForFinished(300));
-    EXPECT_EQ(theirs->state(), QProcess::Running);
-}
-
-TEST_F(ProcessKillerTest, KillProcessByName_NoFolder_DoesNothing) {
-    QProcess* process = startAs(QStringLiteral("MP3.exe"));
-    KillProcessByName(QStringLiteral("MP3.exe"), QString());
-    EXPECT_FALSE(process->waitForFinished(300));
-}
-
-TEST(ProcessDetachedLaunch, LaunchScriptDetached_RunsTheScriptWithEmptyInput) {
-    QTemporaryDir dir;
-    const QString script = dir.path() + QStringLiteral("/it's a script.bat");
-    const QString result = dir.path() + QStringLiteral("/result.txt");
-    QFile file(script);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QStringLiteral("read answer\necho \"ran[$answer]\" > '%1'\n").arg(result).toUtf8());
-    file.close();
-    const qint64 pid = LaunchScriptDetached(script);
-    ASSERT_GT(pid, 0);
-    QDeadlineTimer deadline(5000);
-    while (!QFile::exists(result) && !deadline.hasExpired()) {
-        QThread::msleep(10);
-    }
-    QThread::msleep(50);
-    QFile out(result);
-    ASSERT_TRUE(out.open(QIODevice::ReadOnly));
-    EXPECT_EQ(out.readAll(), QByteArray("ran[]\n"));
-}
-
-TEST(ProcessDetachedLaunch, KillScriptShell_EndsTheShellAndWhatItRuns) {
-    QTemporaryDir dir;
-    const QString script = dir.path() + QStringLiteral("/TempFile.bat");
-    const QString pidFile = dir.path() + QStringLiteral("/child.pid");
-    QFile file(script);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QStringLiteral("sleep 30 &\necho $! > '%1'\nwait\n").arg(pidFile).toUtf8());
-    file.close();
-    const qint64 shell = LaunchScriptDetached(script);
-    ASSERT_GT(shell, 0);
-    QDeadlineTimer deadline(5000);
-    while (QFile(pidFile).size() == 0 && !deadline.hasExpired()) {
-        QThread::msleep(10);
-    }
-    QFile pids(pidFile);
-    ASSERT_TRUE(pids.open(QIODevice::ReadOnly));
-    const qint64 child = pids.readAll().trimmed().toLongLong();
-    ASSERT_GT(child, 0);
-
-    // Another script path: the process is not that script's shell.
-    KillScriptShell(shell, dir.path() + QStringLiteral("/MP3.bat"));
-    QThread::msleep(100);
-    EXPECT_FALSE(isGoneOrZombie(shell));
-
-    KillScriptShell(shell, script);
-    EXPECT_TRUE(waitGone(shell));
-    EXPECT_TRUE(waitGone(child));
-}
-
+#include <QDir>
 TEST(RunningProcessIds, HoldsThisProcessAndAChildItStarted) {
     QProcess child;
     child.start(QStringLiteral("sleep"), {QStringLiteral("5")});

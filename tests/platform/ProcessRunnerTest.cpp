@@ -40,6 +40,12 @@ bool processAlive(qint64 pid) {
     return pid > 0 && ::kill(static_cast<pid_t>(pid), 0) == 0;
 }
 
+// Gone, or a zombie of init for a moment.
+bool processGone(qint64 pid) {
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z ");
+}
+
 }  // namespace
 
 TEST(ProcessRunner, Command_MergesStandardOutputAndError_ThenEnds) {
@@ -115,10 +121,7 @@ TEST(ProcessRunner, Stop_EndsTheCommandAndEveryProcessItStarted) {
     EXPECT_TRUE(runner.crashed());
     EXPECT_EQ(recorder.ended, 1);
     // The child is gone too (a zombie of init at most for a moment).
-    EXPECT_TRUE(waitUntil([&] {
-        QFile stat(QStringLiteral("/proc/%1/stat").arg(child));
-        return !stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z ");
-    }));
+    EXPECT_TRUE(waitUntil([&] { return processGone(child); }));
 }
 
 TEST(ProcessRunner, Output_CharacterSplitBetweenChunks_ArrivesWhole) {
@@ -138,4 +141,55 @@ TEST(ProcessRunner, Crash_IsToldBeforeTheExitCode) {
     ASSERT_TRUE(waitUntil([&] { return recorder.ended == 1; }));
     EXPECT_TRUE(runner.crashed());
     EXPECT_EQ(runner.exitCode(), -1);
+    EXPECT_EQ(runner.endSignal(), SIGKILL);
+}
+
+TEST(ProcessRunner, NormalEnd_TellsNoSignal) {
+    ProcessRunner runner;
+    Recorder recorder(runner);
+    runner.command(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("exit 9")});
+    ASSERT_TRUE(waitUntil([&] { return recorder.ended == 1; }));
+    EXPECT_FALSE(runner.crashed());
+    EXPECT_EQ(runner.exitCode(), 9);
+    EXPECT_EQ(runner.endSignal(), 0);
+}
+
+TEST(ProcessRunner, OutputDiscarded_RunsWithEmptyInput_HandsOnOnlyTheEnd) {
+    QTemporaryDir dir;
+    const QString result = dir.path() + QStringLiteral("/it's the result.txt");
+    ProcessRunner runner;
+    runner.setOutputDiscarded(true);
+    Recorder recorder(runner);
+    runner.command(QStringLiteral("/bin/sh"),
+                   {QStringLiteral("-c"),
+                    QStringLiteral("read answer; echo out; echo err 1>&2; "
+                                   "echo \"ran[$answer]\" > \"$0\""),
+                    result});
+    ASSERT_TRUE(waitUntil([&] { return recorder.ended == 1; }, 5000));
+    EXPECT_EQ(recorder.chunks, 0);
+    EXPECT_EQ(recorder.output, QString());
+    QFile file(result);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("ran[]\n"));
+}
+
+TEST(ProcessRunner, EndLeftovers_EndsWhatAKilledCommandLeftInItsGroup) {
+    QTemporaryDir dir;
+    const QString pidFile = dir.path() + QStringLiteral("/child.pid");
+    ProcessRunner runner;
+    Recorder recorder(runner);
+    runner.command(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("sleep 30 & echo $! > '%1'; wait").arg(pidFile)});
+    ASSERT_TRUE(waitUntil([&] { return QFileInfo(pidFile).size() > 0; }));
+    QFile file(pidFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const qint64 child = file.readAll().trimmed().toLongLong();
+    // The shell alone is killed: its child lives on.
+    ASSERT_EQ(::kill(static_cast<pid_t>(runner.processId()), SIGKILL), 0);
+    ASSERT_TRUE(waitUntil([&] { return recorder.ended == 1; }));
+    EXPECT_TRUE(processAlive(child));
+
+    runner.endLeftovers();
+    EXPECT_TRUE(waitUntil([&] { return processGone(child); }));
 }
