@@ -84,7 +84,8 @@ std::string reason() {
 // (only a plain file: a device named as the output is never removed).
 class Output {
 public:
-    explicit Output(std::string path) : path_(std::move(path)) { buffer_.reserve(kBufferBytes); }
+    // The buffer grows as the output does, up to kBufferBytes.
+    explicit Output(std::string path) : path_(std::move(path)) {}
     ~Output() {
         if (fd_ >= 0) {
             ::close(fd_);
@@ -243,6 +244,18 @@ MpegFrameHeader headerFrameHeader(const MpegFrameHeader& first, const HeaderFram
     return plain.withField(17, 4, static_cast<std::uint32_t>(index));
 }
 
+// The walker's buffer: the whole input and one byte more when that is less
+// than kBufferBytes (a small join reads as it would with the larger buffer:
+// all of it at hand at once), else kBufferBytes.
+std::size_t readBufferBytes(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::uint64_t>(status.st_size) >= kBufferBytes) {
+        return kBufferBytes;
+    }
+    return static_cast<std::size_t>(status.st_size) + 1;
+}
+
 // Up to count bytes of the file at offset (fewer where the file ends).
 TagLib::ByteVector readAt(int fd, std::uint64_t offset, std::uint64_t count) {
     TagLib::ByteVector bytes(static_cast<unsigned int>(count), '\0');
@@ -399,7 +412,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     }
     const std::uint64_t tagLength = tagging ? tagging->bytes.size() : 0;
     FileSource source(in);
-    Mp3FrameWalker walker(source);
+    Mp3FrameWalker walker(source, readBufferBytes(in));
     HeaderFrames headers;
 
     // Up to the first audio frame: its header shapes the new header frame.
