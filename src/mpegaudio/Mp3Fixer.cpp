@@ -84,8 +84,12 @@ std::string reason() {
 // (only a plain file: a device named as the output is never removed).
 class Output {
 public:
-    // The buffer grows as the output does, up to kBufferBytes.
-    explicit Output(std::string path) : path_(std::move(path)) {}
+    // The buffer holds up to kBufferBytes; room for expectedBytes of them is
+    // made at once (all of a small output, so that a small fix takes little).
+    Output(std::string path, std::uint64_t expectedBytes) : path_(std::move(path)) {
+        buffer_.reserve(
+            static_cast<std::size_t>(std::min<std::uint64_t>(expectedBytes, kBufferBytes)));
+    }
     ~Output() {
         if (fd_ >= 0) {
             ::close(fd_);
@@ -412,7 +416,8 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     }
     const std::uint64_t tagLength = tagging ? tagging->bytes.size() : 0;
     FileSource source(in);
-    Mp3FrameWalker walker(source, readBufferBytes(in));
+    const std::size_t readBuffer = readBufferBytes(in);
+    Mp3FrameWalker walker(source, readBuffer);
     HeaderFrames headers;
 
     // Up to the first audio frame: its header shapes the new header frame.
@@ -437,7 +442,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     Mp3HeaderFrameContent content;
     WriteHeaderFrame(header, content, headerFrame.data());
 
-    Output out(output);
+    Output out(output, tagLength + headerFrame.size() + readBuffer);
     const bool tagWritten =
         !tagging ||
         (out.open() && out.append(reinterpret_cast<const std::uint8_t*>(tagging->bytes.data()),
