@@ -20,7 +20,7 @@ RUNS=${1:-1000000}
 SECONDS_LIMIT=${2:-600}
 [ $# -gt 0 ] && shift
 [ $# -gt 0 ] && shift
-TARGETS=${*:-"ID3Reader Mp3FrameWalker JoinedTag ListFile IniFile ToolStatus PasteItem"}
+TARGETS=${*:-"ID3Reader Mp3FrameWalker JoinedTag Mp3Fixer ListFile IniFile ToolStatus PasteItem"}
 
 if [ ! -f "$BUILD_DIR/build.ninja" ]; then
     CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja \
@@ -38,8 +38,8 @@ SEEDS=$BUILD_DIR/seeds
 SAMPLES=$ROOT/tests/data/samples
 make_seeds() {
     rm -rf "$SEEDS"
-    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/Mp3FrameWalker" "$SEEDS/JoinedTag" "$SEEDS/ListFile" \
-        "$SEEDS/IniFile" "$SEEDS/ToolStatus" "$SEEDS/PasteItem"
+    mkdir -p "$SEEDS/ID3Reader" "$SEEDS/Mp3FrameWalker" "$SEEDS/JoinedTag" "$SEEDS/Mp3Fixer" \
+        "$SEEDS/ListFile" "$SEEDS/IniFile" "$SEEDS/ToolStatus" "$SEEDS/PasteItem"
     work=$(mktemp -d)
 
     # MP3 files: a short CBR file with an ID3v1 tag and a VBR one from ffmpeg,
@@ -86,6 +86,20 @@ make_seeds() {
       printf '@@@@'; cat "$work/v1.tag"; printf '@@@@'; cat "$work/tag4.id3"; printf '@@@@@@@@'
       cat "$work/v1.tag"; } >"$SEEDS/JoinedTag/three"
     { printf '@@@@'; cat "$work/tag4.id3"; } >"$SEEDS/JoinedTag/one"
+
+    # Raw joins for the whole fix: the sources' names (from which the fuzzer
+    # makes a sources file that adds up) or a sources file of its own, then
+    # each source's bytes, cut apart by "@@@@". Small files of each MPEG
+    # version, with and without tags, with a LAME header or none.
+    ffmpeg -v error -f lavfi -i sine=frequency=550:duration=0.1 -c:a libmp3lame -b:a 32k \
+        -write_xing 0 -metadata title=Plain "$work/plain.mp3"
+    { printf 'one.mp3\ntwo.mp3\n@@@@'; cat "$work/cbr.mp3"; printf '@@@@'
+      cat "$work/vbr.mp3"; } >"$SEEDS/Mp3Fixer/mpeg1"
+    { printf 'Velmora join sources 1\n%s a.mp3\n%s b%%25.mp3\n@@@@' \
+        "$(wc -c <"$work/mpeg2.mp3")" "$(wc -c <"$work/plain.mp3")"
+      cat "$work/mpeg2.mp3"; printf '@@@@'; cat "$work/plain.mp3"; } >"$SEEDS/Mp3Fixer/given"
+    { printf 'low.mp3\n@@@@'; cat "$work/mpeg25.mp3"; printf '@@@@@@@@'
+      cat "$work/mpeg25.mp3"; } >"$SEEDS/Mp3Fixer/mpeg25"
 
     # List files of both types, and clipboard entries of their rows.
     printf 'VLR List v1.0\r\n<MP3>\r\ncbr.mp3|128|44100|%s|00:00:00|3 KB|Seed|Velmora\r\n' \

@@ -84,7 +84,12 @@ std::string reason() {
 // (only a plain file: a device named as the output is never removed).
 class Output {
 public:
-    explicit Output(std::string path) : path_(std::move(path)) { buffer_.reserve(kBufferBytes); }
+    // The buffer holds up to kBufferBytes; room for expectedBytes of them is
+    // made at once (all of a small output, so that a small fix takes little).
+    Output(std::string path, std::uint64_t expectedBytes) : path_(std::move(path)) {
+        buffer_.reserve(
+            static_cast<std::size_t>(std::min<std::uint64_t>(expectedBytes, kBufferBytes)));
+    }
     ~Output() {
         if (fd_ >= 0) {
             ::close(fd_);
@@ -243,6 +248,18 @@ MpegFrameHeader headerFrameHeader(const MpegFrameHeader& first, const HeaderFram
     return plain.withField(17, 4, static_cast<std::uint32_t>(index));
 }
 
+// The walker's buffer: the whole input and one byte more when that is less
+// than kBufferBytes (a small join reads as it would with the larger buffer:
+// all of it at hand at once), else kBufferBytes.
+std::size_t readBufferBytes(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::uint64_t>(status.st_size) >= kBufferBytes) {
+        return kBufferBytes;
+    }
+    return static_cast<std::size_t>(status.st_size) + 1;
+}
+
 // Up to count bytes of the file at offset (fewer where the file ends).
 TagLib::ByteVector readAt(int fd, std::uint64_t offset, std::uint64_t count) {
     TagLib::ByteVector bytes(static_cast<unsigned int>(count), '\0');
@@ -399,7 +416,8 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     }
     const std::uint64_t tagLength = tagging ? tagging->bytes.size() : 0;
     FileSource source(in);
-    Mp3FrameWalker walker(source);
+    const std::size_t readBuffer = readBufferBytes(in);
+    Mp3FrameWalker walker(source, readBuffer);
     HeaderFrames headers;
 
     // Up to the first audio frame: its header shapes the new header frame.
@@ -424,7 +442,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     Mp3HeaderFrameContent content;
     WriteHeaderFrame(header, content, headerFrame.data());
 
-    Output out(output);
+    Output out(output, tagLength + headerFrame.size() + readBuffer);
     const bool tagWritten =
         !tagging ||
         (out.open() && out.append(reinterpret_cast<const std::uint8_t*>(tagging->bytes.data()),

@@ -61,6 +61,22 @@ Probed probeChapters(const QString& path) {
     return probed;
 }
 
+// The comment frames of the tag as python3-mutagen reads them: language,
+// description and text, joined by "|".
+QStringList comments(const QJsonObject& tag) {
+    QStringList list;
+    for (const QJsonValue& value : tag.value(QStringLiteral("comments")).toArray()) {
+        const QJsonObject comment = value.toObject();
+        QStringList fields{comment.value(QStringLiteral("lang")).toString(),
+                           comment.value(QStringLiteral("desc")).toString()};
+        for (const QJsonValue& text : comment.value(QStringLiteral("text")).toArray()) {
+            fields << text.toString();
+        }
+        list << fields.join(u'|');
+    }
+    return list;
+}
+
 QByteArray md5Hex(const QByteArray& bytes) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex();
 }
@@ -74,6 +90,46 @@ QStringList texts(const QJsonObject& tag, const QString& frame) {
     return list;
 }
 
+// The encoder delay and padding of a file's LAME extension, read here from
+// the file's bytes: the Xing or Info tag lies behind the first frame's side
+// information, its flags say which of its fields follow (frames, bytes, seek
+// table, quality), the extension follows them, named by its encoder, and its
+// 22nd to 24th bytes hold the delay and the padding as two 12-bit numbers.
+struct LameGap {
+    bool found = false;
+    int delay = 0;
+    int padding = 0;
+};
+
+LameGap readLameGap(const QByteArray& audio) {
+    LameGap gap;
+    const QByteArray head = audio.left(4 + 32 + 4);
+    const qsizetype at = head.contains("Xing") ? head.indexOf("Xing") : head.indexOf("Info");
+    if (at < 0) {
+        return gap;
+    }
+    const auto byte = [&audio](qsizetype i) {
+        return i < audio.size() ? static_cast<int>(static_cast<unsigned char>(audio.at(i))) : 0;
+    };
+    const int flags = byte(at + 7);
+    const qsizetype lame = at + 8 + ((flags & 1) ? 4 : 0) + ((flags & 2) ? 4 : 0) +
+                           ((flags & 4) ? 100 : 0) + ((flags & 8) ? 4 : 0);
+    const QByteArray encoder = audio.mid(lame, 4);
+    if (lame + 24 > audio.size() || (encoder != "LAME" && encoder != "Lavc" && encoder != "Lavf")) {
+        return gap;
+    }
+    gap.found = true;
+    gap.delay = (byte(lame + 21) << 4) | (byte(lame + 22) >> 4);
+    gap.padding = ((byte(lame + 22) & 0x0F) << 8) | byte(lame + 23);
+    return gap;
+}
+
+// Milliseconds of a count of samples at a rate, rounded to the nearest (a
+// half upwards), as the tag's times are rounded.
+long long millisecondsOf(long long samples, int hz) {
+    return (samples * 2000 + hz) / (2LL * hz);
+}
+
 // One source as the test made it.
 struct TaggedSource {
     QString path;
@@ -81,7 +137,7 @@ struct TaggedSource {
     long long frames = 0;
     int samplesPerFrame = 1152;
     int hz = 44100;
-    Mp3HeaderFrame header;  // its LAME header, where it has one
+    LameGap gap;  // of its LAME extension, where it has one
 };
 
 struct SourceSpec {
@@ -97,6 +153,8 @@ struct SourceSpec {
     int channels = 2;
     bool lameHeader = true;
     double seconds = 1.2;
+    int hz = 44100;  // below 32,000 Hz: MPEG-2 or MPEG-2.5, 576 samples a frame
+    QString constantRate = QStringLiteral("128k");
 };
 
 class Mp3JoinTagsTest : public ::testing::Test {
@@ -122,6 +180,7 @@ protected:
             Mp3Options options;
             options.channels = recipe.channels;
             options.seconds = recipe.seconds;
+            options.sampleRate = recipe.hz;
             options.id3v1 = true;
             options.metadata = recipe.metadata;
             options.frequencyHz = 300 + 40 * made++;
@@ -146,11 +205,11 @@ protected:
                          QStringLiteral("-metadata:s:v"),
                          QStringLiteral("comment=") + recipe.coverType};
             }
-            args += {QStringLiteral("-ar"),  QStringLiteral("44100"),
+            args += {QStringLiteral("-ar"),  QString::number(recipe.hz),
                      QStringLiteral("-ac"),  QString::number(recipe.channels),
                      QStringLiteral("-c:a"), QStringLiteral("libmp3lame")};
             args += recipe.vbr ? QStringList{QStringLiteral("-q:a"), QStringLiteral("4")}
-                               : QStringList{QStringLiteral("-b:a"), QStringLiteral("128k")};
+                               : QStringList{QStringLiteral("-b:a"), recipe.constantRate};
             args += {QStringLiteral("-id3v2_version"),
                      QString::number(recipe.id3v2Version),
                      QStringLiteral("-write_id3v1"),
@@ -165,13 +224,15 @@ protected:
         }
         EXPECT_FALSE(source.path.isEmpty()) << LastMediaMakerError().toStdString();
         source.frames = ProbeAudioFrames(source.path);
+        source.hz = recipe.hz;
+        source.samplesPerFrame = recipe.hz >= 32000 ? 1152 : 576;
+        EXPECT_EQ(ProbeValues(source.path, {QStringLiteral("-select_streams"),
+                                            QStringLiteral("a:0"), QStringLiteral("-show_entries"),
+                                            QStringLiteral("stream=sample_rate")})
+                      .trimmed(),
+                  QString::number(recipe.hz));
         const QByteArray bytes = JoinRunTestBed::readFile(source.path);
-        const QByteArray audio = bytes.mid(Id3v2TagLength(bytes));
-        const auto* data = reinterpret_cast<const std::uint8_t*>(audio.constData());
-        const MpegFrameHeader header = MpegFrameHeader::fromBytes(data);
-        source.samplesPerFrame = header.samplesPerFrame();
-        source.hz = header.sampleRateHz();
-        source.header = Mp3HeaderFrame::read(data, header.frameLength(), header);
+        source.gap = readLameGap(bytes.mid(Id3v2TagLength(bytes)));
         return source;
     }
 
@@ -235,19 +296,22 @@ protected:
         return output;
     }
 
-    // Where each source's chapter must start on the playback clock, and where
-    // the last must end: the earlier sources' audio frames, less the first
-    // source's encoder delay.
-    QList<double> expectedStarts(const Mp3HeaderFrame& written) const {
-        QList<double> starts;
-        double seconds = 0;
-        const double delay =
-            written.hasLame ? static_cast<double>(written.delay) / sources.first().hz : 0.0;
+    // Where each source's chapter must start on the playback clock, in
+    // milliseconds: the samples of the earlier sources' audio frames less the
+    // first source's encoder delay, never before 0. The last entry is where
+    // the last chapter must end: the samples of all frames less that delay
+    // and the last source's padding.
+    QList<long long> expectedTimesMs() const {
+        const int hz = sources.first().hz;
+        const long long delay = sources.first().gap.delay;
+        long long samples = 0;
+        QList<long long> times;
         for (const TaggedSource& source : sources) {
-            starts << std::max(0.0, seconds - delay);
-            seconds += static_cast<double>(source.frames) * source.samplesPerFrame / source.hz;
+            times << std::max(0LL, millisecondsOf(samples - delay, hz));
+            samples += source.frames * source.samplesPerFrame;
         }
-        return starts;
+        times << millisecondsOf(samples - delay - sources.last().gap.padding, hz);
+        return times;
     }
 
     // Everything the join checked before: the audio frames, a clean decode, no
@@ -275,18 +339,21 @@ protected:
         const Mp3HeaderFrame written = Mp3HeaderFrame::read(data, header.frameLength(), header);
         EXPECT_EQ(written.frames, static_cast<std::uint32_t>(frames));
         EXPECT_EQ(written.bytes, static_cast<std::uint32_t>(audio.size()));
-        const TaggedSource& first = sources.first();
-        const TaggedSource& last = sources.last();
-        EXPECT_EQ(written.delay, first.header.hasLame ? first.header.delay : 0);
-        EXPECT_EQ(written.padding, last.header.hasLame ? last.header.padding : 0);
+        EXPECT_EQ(written.delay, sources.first().gap.delay);
+        EXPECT_EQ(written.padding, sources.last().gap.padding);
         return written;
     }
 
-    void expectChapters(const QString& output, const Mp3HeaderFrame& written) {
+    // Each chapter's title, and its start and end to the millisecond as
+    // ffprobe and python3-mutagen read them; the last end also within a frame
+    // of the output's length on ffprobe's playback clock.
+    void expectChapters(const QString& output) {
         const Probed probed = probeChapters(output);
         ASSERT_EQ(probed.chapters.size(), sources.size());
-        const QList<double> starts = expectedStarts(written);
-        const double frameSeconds = static_cast<double>(sources[0].samplesPerFrame) / sources[0].hz;
+        const QJsonArray read =
+            ReadTagWithMutagen(output).value(QStringLiteral("chapters")).toArray();
+        ASSERT_EQ(read.size(), sources.size());
+        const QList<long long> times = expectedTimesMs();
         for (int i = 0; i < sources.size(); ++i) {
             const QJsonObject chapter = probed.chapters.at(i).toObject();
             EXPECT_EQ(chapter.value(QStringLiteral("tags"))
@@ -295,23 +362,20 @@ protected:
                           .toString(),
                       sources[i].chapterTitle)
                 << "chapter " << i;
-            EXPECT_NEAR(chapter.value(QStringLiteral("start_time")).toString().toDouble(),
-                        starts[i], frameSeconds)
+            EXPECT_EQ(chapter.value(QStringLiteral("time_base")).toString(),
+                      QStringLiteral("1/1000"));
+            EXPECT_EQ(chapter.value(QStringLiteral("start")).toInteger(), times[i])
                 << "chapter " << i;
-            if (i + 1 < sources.size()) {
-                EXPECT_EQ(chapter.value(QStringLiteral("end")).toInteger(),
-                          probed.chapters.at(i + 1)
-                              .toObject()
-                              .value(QStringLiteral("start"))
-                              .toInteger());
-            }
+            EXPECT_EQ(chapter.value(QStringLiteral("end")).toInteger(), times[i + 1])
+                << "chapter " << i;
+            EXPECT_EQ(read.at(i).toObject().value(QStringLiteral("start")).toInteger(), times[i])
+                << "chapter " << i;
+            EXPECT_EQ(read.at(i).toObject().value(QStringLiteral("end")).toInteger(), times[i + 1])
+                << "chapter " << i;
         }
-        EXPECT_NEAR(probed.chapters.last()
-                        .toObject()
-                        .value(QStringLiteral("end_time"))
-                        .toString()
-                        .toDouble(),
-                    probed.playbackSeconds, frameSeconds);
+        const double frameSeconds = static_cast<double>(sources[0].samplesPerFrame) / sources[0].hz;
+        EXPECT_NEAR(static_cast<double>(times.last()) / 1000.0, probed.playbackSeconds,
+                    frameSeconds);
     }
 
     // python3-mutagen: an ID3v2.3 tag whose top-level ordered table lists the
@@ -419,7 +483,7 @@ TEST_F(Mp3JoinTagsTest, StereoAlbum_TagCoverAndOneChapterPerSource_InEveryReader
          QByteArray("Recorded live"), QByteArray("image/"), jpegBytes.mid(100, 24),
          pngBytes.mid(60, 24), QByteArray("Source chapter")});
     EXPECT_TRUE(written.hasLame);
-    expectChapters(output, written);
+    expectChapters(output);
 
     const QJsonObject tag = expectMutagenTag(output);
     // The first source with a tag gives the frames of the whole work.
@@ -433,6 +497,8 @@ TEST_F(Mp3JoinTagsTest, StereoAlbum_TagCoverAndOneChapterPerSource_InEveryReader
     EXPECT_EQ(texts(tag, QStringLiteral("TCON")), QStringList{QStringLiteral("Classical")});
     EXPECT_TRUE(
         texts(tag, QStringLiteral("TSSE")).value(0).startsWith(QStringLiteral("Velmora 1.")));
+    // The first source's own comment is kept; its player's gapless comment is not.
+    EXPECT_EQ(comments(tag), QStringList{QStringLiteral("eng||Recorded live")});
     const QJsonObject encodings = tag.value(QStringLiteral("encodings")).toObject();
     EXPECT_EQ(encodings.value(QStringLiteral("TPE1")).toInt(), 0);  // ISO-8859-1 fits "Ñ"
     const QJsonArray chapters = tag.value(QStringLiteral("chapters")).toArray();
@@ -466,7 +532,8 @@ TEST_F(Mp3JoinTagsTest, MonoBook_Id3v1TemplateAndPngCover_TitleFromTheOutputsNam
     two.channels = 1;
     two.metadata = {{QStringLiteral("title"), QStringLiteral("Chapter Two")},
                     {QStringLiteral("artist"), QStringLiteral("Reader")},
-                    {QStringLiteral("genre"), QStringLiteral("Speech")}};
+                    {QStringLiteral("genre"), QStringLiteral("Speech")},
+                    {QStringLiteral("comment"), QStringLiteral("Read slowly")}};
     list << make(two, QStringLiteral("Chapter Two"));
 
     SourceSpec three{QStringLiteral("part three.mp3"), 4};
@@ -481,15 +548,16 @@ TEST_F(Mp3JoinTagsTest, MonoBook_Id3v1TemplateAndPngCover_TitleFromTheOutputsNam
     const QByteArray bytes = JoinRunTestBed::readFile(output);
     const qsizetype tagLength = Id3v2TagLength(bytes);
     ASSERT_GT(tagLength, 0);
-    const Mp3HeaderFrame written = expectRightAudio(
-        output, tagLength, {QByteArray("ID3\x04\x00", 5), QByteArray("TAGChapter Two")});
-    expectChapters(output, written);
+    expectRightAudio(output, tagLength,
+                     {QByteArray("ID3\x04\x00", 5), QByteArray("TAGChapter Two")});
+    expectChapters(output);
     const QJsonObject tag = expectMutagenTag(output);
     // The template is the ID3v1 tag of the first source with a tag; it has no
     // album, so the title is the output's name.
     EXPECT_EQ(texts(tag, QStringLiteral("TIT2")), QStringList{QStringLiteral("Read Aloud")});
     EXPECT_EQ(texts(tag, QStringLiteral("TPE1")), QStringList{QStringLiteral("Reader")});
     EXPECT_EQ(texts(tag, QStringLiteral("TCON")), QStringList{QStringLiteral("Speech")});
+    EXPECT_EQ(comments(tag), QStringList{QStringLiteral("eng||Read slowly")});
     // No front cover anywhere: the first picture of any kind.
     const QJsonArray pictures = tag.value(QStringLiteral("pictures")).toArray();
     ASSERT_EQ(pictures.size(), 1);
@@ -569,3 +637,56 @@ TEST_F(Mp3JoinTagsTest, ThreeHundredSources_ThreeHundredChaptersAllReachable) {
     const QJsonObject tag = expectMutagenTag(output);
     EXPECT_EQ(tag.value(QStringLiteral("reachable")).toArray().size(), 300);
 }
+
+namespace {
+
+// Joins of MPEG-2 (22,050 and 24,000 Hz) and MPEG-2.5 (11,025 and 8,000 Hz)
+// sources, whose frames hold 576 samples.
+class Mp3JoinTagsLowRateTest : public Mp3JoinTagsTest, public ::testing::WithParamInterface<int> {};
+
+}  // namespace
+
+TEST_P(Mp3JoinTagsLowRateTest, ThreeSources_FramesGapAndChaptersToTheMillisecond) {
+    const int hz = GetParam();
+    QList<TaggedSource> list;
+    SourceSpec one{QStringLiteral("one.mp3"), 3};
+    one.hz = hz;
+    one.constantRate = QStringLiteral("32k");
+    one.metadata = {{QStringLiteral("title"), QStringLiteral("One")},
+                    {QStringLiteral("album"), QStringLiteral("Low Rate")}};
+    list << make(one, QStringLiteral("One"));
+    SourceSpec two{QStringLiteral("two.mp3"), 4};
+    two.hz = hz;
+    two.vbr = true;
+    two.seconds = 0.7;
+    two.metadata = {{QStringLiteral("title"), QStringLiteral("Two")}};
+    list << make(two, QStringLiteral("Two"));
+    SourceSpec three{QStringLiteral("three.mp3")};
+    three.hz = hz;
+    three.constantRate = QStringLiteral("24k");
+    three.seconds = 0.9;
+    list << make(three, QStringLiteral("three"));
+    for (const TaggedSource& source : list) {
+        ASSERT_TRUE(source.gap.found) << source.path.toStdString();
+    }
+
+    const QString output = join(list);
+    const QByteArray bytes = JoinRunTestBed::readFile(output);
+    const qsizetype tagLength = Id3v2TagLength(bytes);
+    ASSERT_GT(tagLength, 0);
+    const Mp3HeaderFrame written =
+        expectRightAudio(output, tagLength, {QByteArray("ID3\x04\x00", 5)});
+    EXPECT_TRUE(written.hasLame);
+    EXPECT_EQ(
+        ProbeValues(output, {QStringLiteral("-select_streams"), QStringLiteral("a:0"),
+                             QStringLiteral("-show_entries"), QStringLiteral("stream=sample_rate")})
+            .trimmed(),
+        QString::number(hz));
+    expectChapters(output);
+}
+
+INSTANTIATE_TEST_SUITE_P(Mpeg2AndMpeg25, Mp3JoinTagsLowRateTest,
+                         ::testing::Values(22050, 24000, 11025, 8000),
+                         [](const ::testing::TestParamInfo<int>& info) {
+                             return std::to_string(info.param) + "Hz";
+                         });

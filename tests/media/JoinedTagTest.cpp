@@ -2,9 +2,12 @@
 // the tool where each source lies, and the tool with a sources file that no
 // longer fits its input.
 #include <gtest/gtest.h>
+#include <taglib/attachedpictureframe.h>
 #include <taglib/chapterframe.h>
+#include <taglib/commentsframe.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/tableofcontentsframe.h>
+#include <taglib/textidentificationframe.h>
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -33,6 +36,36 @@ JoinSourceTags withV1(const std::string& name, const QByteArray& title, const QB
 
 std::string text(const TagLib::String& value) {
     return value.to8Bit(true);
+}
+
+using PictureType = TagLib::ID3v2::AttachedPictureFrame::Type;
+
+// An ID3v2.4 tag, rendered by TagLib, with a title, the given pictures (each
+// a type and its bytes) and the given comments (each a description and its
+// text).
+JoinSourceTags withV2(const std::string& name, const std::string& title,
+                      const std::vector<std::pair<PictureType, std::string>>& pictures,
+                      const std::vector<std::pair<std::string, std::string>>& notes = {}) {
+    TagLib::ID3v2::Tag tag;
+    tag.setTitle(TagLib::String(title, TagLib::String::UTF8));
+    for (const auto& [type, bytes] : pictures) {
+        auto* frame = new TagLib::ID3v2::AttachedPictureFrame;
+        frame->setMimeType("image/png");
+        frame->setType(type);
+        frame->setPicture(
+            TagLib::ByteVector(bytes.data(), static_cast<unsigned int>(bytes.size())));
+        tag.addFrame(frame);
+    }
+    for (const auto& [description, note] : notes) {
+        auto* frame = new TagLib::ID3v2::CommentsFrame;
+        frame->setLanguage("eng");
+        frame->setDescription(TagLib::String(description, TagLib::String::UTF8));
+        frame->setText(TagLib::String(note, TagLib::String::UTF8));
+        tag.addFrame(frame);
+    }
+    JoinSourceTags source = named(name);
+    source.id3v2 = tag.render();
+    return source;
 }
 
 }  // namespace
@@ -98,6 +131,42 @@ TEST(JoinedTagTest, Id3v1Template_AlbumTitleAndChapterTitlesFromTagOrName) {
         EXPECT_EQ(text(chapter->embeddedFrameList("TIT2").front()->toString()), titles[i]);
         ++i;
     }
+}
+
+TEST(JoinedTagTest, FrontCoverInTheSecondSourceBehindOtherTypes_IsThePictureKept) {
+    JoinedTag tag("/out/Album.mp3", true);
+    tag.addSource(withV2("a.mp3", "A", {{PictureType::Illustration, "illustration of a"}}));
+    tag.addSource(withV2("b.mp3", "B",
+                         {{PictureType::BackCover, "back of b"},
+                          {PictureType::FrontCover, "front of b"},
+                          {PictureType::FrontCover, "second front of b"}}));
+    tag.addSource(withV2("c.mp3", "C", {{PictureType::FrontCover, "front of c"}}));
+    const std::unique_ptr<TagBytes> read = TagBytes::id3v2(tag.render({0, 1000, 2000}, 3000));
+    ASSERT_NE(read->v2(), nullptr);
+    const TagLib::ID3v2::FrameList pictures = read->v2()->frameList("APIC");
+    ASSERT_EQ(pictures.size(), 1u);
+    auto* picture = dynamic_cast<TagLib::ID3v2::AttachedPictureFrame*>(pictures.front());
+    ASSERT_NE(picture, nullptr);
+    EXPECT_EQ(picture->type(), PictureType::FrontCover);
+    EXPECT_EQ(picture->picture(), TagLib::ByteVector("front of b"));
+}
+
+TEST(JoinedTagTest, CommentsOfTheTemplate_KeptWithoutThePlayersOwn) {
+    JoinedTag tag("/out/Album.mp3", true);
+    tag.addSource(withV2(
+        "a.mp3", "A", {},
+        {{"iTunNORM", " 0000044E 00000000"}, {"", "Recorded live"}, {"Ωmega", "Second take"}}));
+    tag.addSource(withV2("b.mp3", "B", {}, {{"", "Not the template"}}));
+    const std::unique_ptr<TagBytes> read = TagBytes::id3v2(tag.render({0, 1000}, 2000));
+    ASSERT_NE(read->v2(), nullptr);
+    std::vector<std::string> kept;
+    for (TagLib::ID3v2::Frame* frame : read->v2()->frameList("COMM")) {
+        auto* comment = dynamic_cast<TagLib::ID3v2::CommentsFrame*>(frame);
+        ASSERT_NE(comment, nullptr);
+        kept.push_back(std::string(comment->language().data(), comment->language().size()) + "|" +
+                       text(comment->description()) + "|" + text(comment->text()));
+    }
+    EXPECT_EQ(kept, (std::vector<std::string>{"eng||Recorded live", "eng|Ωmega|Second take"}));
 }
 
 TEST(JoinedTagTest, NoTagAnywhere_TitleIsTheOutputsNameAndThereIsAnEncoder) {

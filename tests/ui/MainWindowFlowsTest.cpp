@@ -209,6 +209,19 @@ TEST(ChangeListType, RealRoutines_YesAndASaveThatWrites_ClearsAndChangesColumns)
     EXPECT_EQ(w.window.model().items.header(3).width, 0);
 }
 
+TEST(MainWindowClose, RealRoutines_YesAndCancelledSaveDialog_KeepsTheWindowAndTheList) {
+    RealWindow w;
+    w.window.show();
+    w.questions.answer(Msg::Yes);
+    w.questions.cancelDialog();
+    EXPECT_FALSE(w.window.close());
+    EXPECT_EQ(w.questions.dialogsShown.size(), 1);
+    EXPECT_EQ(w.questions.asked.size(), 1);
+    EXPECT_EQ(w.exits, 0);
+    EXPECT_TRUE(w.window.isVisible());
+    w.expectTheListKept();
+}
+
 TEST(MainWindowClose, RealRoutines_YesAndASaveTheFolderRefuses_KeepsTheWindowAndTheList) {
     RealWindow w;
     w.window.show();

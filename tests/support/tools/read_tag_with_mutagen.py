@@ -1,6 +1,7 @@
 # Prints what python3-mutagen reads of an MP3 file's ID3v2 tag, as JSON:
 # the tag's version, the ids of its frames, the text frames, the pictures
-# (type, MIME type and an MD5 of their bytes), the text encodings (0
+# (type, MIME type and an MD5 of their bytes), the comments (language,
+# description, texts), the text encodings (0
 # ISO-8859-1, 1 UTF-16 with BOM), the chapters (element id, times, title) and the chapter ids reachable from the top-level table of
 # contents, in its order.
 #
@@ -43,6 +44,9 @@ def main(path):
         "pictures": [{"type": int(frame.type), "mime": frame.mime,
                       "md5": hashlib.md5(frame.data).hexdigest()}
                      for frame in tag.getall("APIC")],
+        "comments": [{"lang": frame.lang, "desc": frame.desc,
+                      "text": [str(text) for text in frame.text]}
+                     for frame in tag.getall("COMM")],
         "chapters": [{"id": frame.element_id, "start": frame.start_time,
                       "end": frame.end_time,
                       "title": str(frame.sub_frames["TIT2"].text[0])
