@@ -4,7 +4,7 @@
 #
 #   check_structure.sh cells SOURCE_DIR
 #       no cell of the list read or written by a bare number outside
-#       src/list/Columns.h, the one table that names the columns;
+#       src/media/CellNames.h, the one table that names the cells;
 #   check_structure.sh settings SOURCE_DIR
 #       no Settings.ini section or key used outside src/app/Settings.cpp, and
 #       every section and key of data/DefaultSettings.ini named there;
@@ -40,14 +40,14 @@ cells)
     # A call of a cell routine whose last argument is a number, a cell array
     # indexed by a number, a cell variable set to a number, or a column header
     # or model index taken by number.
-    sources | grep -v '^src/list/Columns\.h$' | xargs grep -nE \
+    sources | grep -v '^src/media/CellNames\.h$' | xargs grep -nE \
         -e '\b[A-Za-z_]*[Cc]ell[A-Za-z_]*\s*\(([^()]|\([^()]*\))*,\s*[0-9]+\s*\)' \
         -e '\b[A-Za-z_]*[Cc]ells?\s*\[\s*[0-9]+\s*\]' \
         -e '\b[A-Za-z_]*[Cc]ell[A-Za-z_]*\s*=\s*[0-9]+\s*;' \
         -e '\bitems\.header\(\s*[0-9]+\s*\)' \
         -e '\bitems\.index\([^,]*,\s*[0-9]+\s*\)' \
         | grep -vE '\bfor \(' \
-        | report "A list cell taken by number; name it in src/list/Columns.h:"
+        | report "A list cell taken by number; name it in src/media/CellNames.h:"
     ;;
 settings)
     sources | grep -vE '^src/app/(Settings|IniFile)\.(h|cpp)$' | xargs grep -nE \
