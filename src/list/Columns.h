@@ -2,42 +2,16 @@
 
 #include <cstddef>
 
-// The columns of the list, named once. A row holds one text cell per column,
-// in the order of the columns: cell 0 is the row's own text (Filename), the
-// others its sub-items. Every list begins with the four shared columns; an
-// MP3 list follows them with the MP3 columns, any other list with the MPEG
-// columns. Everything that reads or writes a cell names it here; only the
-// list file and the clipboard record, which store all cells in order, count
-// them by position.
+#include "media/CellNames.h"
+
+// The columns of the list and their headers, by layout. A row holds one text
+// cell per column, in the order of the columns; the cells themselves are
+// named in media/CellNames.h, below the list, since the cells of a file are
+// read in media. Every list begins with the four shared columns; an MP3 list
+// follows them with the MP3 columns, any other list with the MPEG columns.
 //
-// To add a column: name its cell here, put its header in the table of its
-// layout below, and fill it in media/ItemCells.cpp.
-
-// The cells of every list.
-namespace SharedCell {
-enum : int { Filename, Filesize, DateModified, Filepath, Count };
-}
-
-// The cells behind the shared ones in an MP3 list.
-namespace Mp3Cell {
-enum : int {
-    Artist = SharedCell::Count,
-    Title,
-    Album,
-    Year,
-    Genre,
-    Duration,
-    Bitrate,
-    Hertz,
-    Count
-};
-}
-
-// The cells behind the shared ones in an MPEG list (and a list of any other
-// type).
-namespace MpegCell {
-enum : int { VideoCodec = SharedCell::Count, VideoSize, Duration, Count };
-}
+// To add a column: name its cell in media/CellNames.h, put its header in the
+// table of its layout below, and fill it in media/ItemCells.cpp.
 
 // One column of a layout: its cell, its header text, and whether it is kept
 // out of sight (width 0).

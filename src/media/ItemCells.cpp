@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "list/Columns.h"
+#include "media/CellNames.h"
 #include "media/ID3Reader.h"
 #include "media/Id3v2TagCells.h"
 #include "media/MediaInfoFile.h"

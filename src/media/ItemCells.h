@@ -9,7 +9,7 @@
 #include "media/JoinTraits.h"
 
 // The texts of one list row for a file, cell by cell: entry i is the text of
-// cell i, as list/Columns.h names them. An MP3 list has the cells of the MP3
+// cell i, as media/CellNames.h names them. An MP3 list has the cells of the MP3
 // layout, any other list type those of the MPEG layout. The tag cells of an
 // MP3 file come from its ID3v1 tag, or from its ID3v2 tag when it has no ID3v1
 // tag. An entry without a value means "leave the cell as it is": the Filepath
