@@ -7,7 +7,7 @@ set -eu
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
 
-"$ROOT/scripts/setup.sh" run
+"$ROOT/scripts/setup.sh"
 
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ]; then
     echo "No display found: starting Velmora on a virtual X display."

@@ -7,7 +7,7 @@ ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
 
 # Warnings are errors here: the build must stay free of them.
-VELMORA_WARNINGS_AS_ERRORS=${VELMORA_WARNINGS_AS_ERRORS:-ON} "$ROOT/scripts/setup.sh" test
+VELMORA_WARNINGS_AS_ERRORS=${VELMORA_WARNINGS_AS_ERRORS:-ON} "$ROOT/scripts/setup.sh"
 
 # Windows are drawn offscreen; a virtual X display stands by for anything that
 # needs a real one.

@@ -1,6 +1,7 @@
 #include "app/Startup.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 #include <cstdio>
 #include <cstdlib>
@@ -26,6 +27,16 @@ QStringList CommandLineOf(int argc, const char* const* argv) {
 
 bool IsDebugCommandLine(const QStringList& arguments) {
     return arguments.size() == 2 && arguments.at(1) == QStringLiteral("/debug");
+}
+
+QString ListFileOfArguments(const QStringList& arguments) {
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString& argument = arguments.at(i);
+        if (argument != QStringLiteral("/debug") && !argument.isEmpty()) {
+            return QFileInfo(argument).absoluteFilePath();
+        }
+    }
+    return {};
 }
 
 void EndProcessAtOnce() {

@@ -41,6 +41,12 @@ QStringList CommandLineOf(int argc, const char* const* argv);
 // True when the arguments (program first) are exactly the one argument "/debug".
 bool IsDebugCommandLine(const QStringList& arguments);
 
+// The list file to open at start-up: the first argument behind the program
+// that is not "/debug", as an absolute path (a relative one is taken from the
+// current folder). Empty when there is none. arguments are those left once
+// the toolkit has taken its own options out.
+QString ListFileOfArguments(const QStringList& arguments);
+
 // Ends the process at once, as File, Exit does: pending output is flushed, and
 // nothing else runs: no window's closing step, no destructor, no exit handler.
 // So a setting that a window writes as it closes is lost.

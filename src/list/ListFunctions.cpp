@@ -218,8 +218,10 @@ void OpenList(MainModel& model) {
     // The folder is remembered before the file is looked at, so also for a
     // file that turns out to be invalid.
     RememberDialogFolder(dialog, Settings::DialogFolder::OpenList);
-    const QString path = dialog.fileName;
+    OpenListFile(model, dialog.fileName);
+}
 
+bool OpenListFile(MainModel& model, const QString& path) {
     QFile file(path);
     bool read = file.open(QIODevice::ReadOnly);
     QByteArray data;
@@ -230,7 +232,9 @@ void OpenList(MainModel& model) {
     if (!read || !ReadListFileText(model, data, path)) {
         model.questions.msgBox(QStringLiteral("Unable to open; Invalid File!"),
                                Msg::OkOnly + Msg::Exclamation);
+        return false;
     }
+    return true;
 }
 
 void RemoveItem(MainModel& model, int index) {

@@ -25,6 +25,12 @@ bool SaveList(MainModel& model, short saveAs);
 // File!" and leaves the list as it was.
 void OpenList(MainModel& model);
 
+// Reads the list file at path into the list, as OpenList does with the file
+// its dialog gave. True when the list now holds the file; false, after
+// "Unable to open; Invalid File!", when it could not be read or is no list
+// file (the list is then as it was).
+bool OpenListFile(MainModel& model, const QString& path);
+
 // The bytes of the list file of the list as it stands: the header, "<" type
 // ">", then one line per row with the cells split by "|"; every line ends in
 // CR LF. Cells are written as they are, without quoting or escaping.

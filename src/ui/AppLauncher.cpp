@@ -8,7 +8,9 @@
 #include <QWindow>
 
 #include "app/AppPaths.h"
+#include "app/Settings.h"
 #include "app/Startup.h"
+#include "platform/RunCommand.h"
 #include "platform/Shell.h"
 #include "ui/MainWindow.h"
 #include "ui/NewListWindow.h"
@@ -57,7 +59,8 @@ Splashscreen* AppLauncher::splashscreen() const {
     return splash_.data();
 }
 
-void AppLauncher::start(const QStringList& arguments) {
+void AppLauncher::start(const QStringList& arguments, const QString& listFile) {
+    listFile_ = listFile;
     PrepareStartup(arguments, questions_);
 
     auto* splash = new Splashscreen();
@@ -86,6 +89,19 @@ void AppLauncher::start(const QStringList& arguments) {
     splash->showSplash();
 }
 
+bool AppLauncher::openListFile() {
+    if (listFile_.isEmpty()) {
+        return false;
+    }
+    MainCommands& commands = mainWindow_->commands();
+    // The file fills a list of the saved type, as a start-up without the New
+    // List dialog makes it, so that a file of no known type still shows the
+    // shared columns, as after File, Open List.
+    RunCommand(commands.newItemList,
+               Settings::NewListTypeIsMpeg() ? QStringLiteral("MPEG") : QStringLiteral("MP3"));
+    return commands.openListFile && commands.openListFile(listFile_);
+}
+
 void AppLauncher::handOver() {
     if (handedOver_) {
         return;
@@ -98,7 +114,14 @@ void AppLauncher::handOver() {
     mainWindow_->show();
     waitUntilPlaced(mainWindow_.get());
     NewListAtStartup = -1;
-    mainWindow_->showNewList();
+    // A list file given to the program is the list the user wants: the New
+    // List dialog, which asks for the type of an empty list, would only be in
+    // the way. When the file cannot be opened, the start goes on as without it.
+    if (openListFile()) {
+        NewListAtStartup = 0;
+    } else {
+        mainWindow_->showNewList();
+    }
     QDialog* tips = mainWindow_->tipsWindow;
     if (tips != nullptr && checkBoxIsSet(tips, "ShowAtStartup")) {
         tips->show();

@@ -19,6 +19,7 @@ struct MainCommands : ListTypeChangeSteps {
     // Item list.
     std::function<void(const QString& listType)> newItemList;
     std::function<void()> openList;
+    std::function<bool(const QString& path)> openListFile;
     std::function<void()> addFiles;
     std::function<void(int index, short cut)> copyItem;
     std::function<void()> pasteItem;

@@ -51,6 +51,7 @@ void WireMainCommands(MainWindow& window, MainCommands& c) {
 
     c.newItemList = [&model](const QString& type) { NewItemList(model, type); };
     c.openList = [&model] { OpenList(model); };
+    c.openListFile = [&model](const QString& path) { return OpenListFile(model, path); };
     c.saveList = [&model](short saveAs) { return SaveList(model, saveAs); };
     c.addFiles = [&model] { AddFiles(model); };
     c.copyItem = [&model](int index, short cut) { CopyItem(model, index, cut); };

@@ -47,6 +47,8 @@ int RunProgram(int argc, char** argv, const std::function<void(AppLauncher&)>& b
     if (beforeStart) {
         beforeStart(launcher);
     }
-    launcher.start(commandLine);
+    // A list file named on the command line (by a file manager, say) opens
+    // once the start-up has shown the main window.
+    launcher.start(commandLine, ListFileOfArguments(QApplication::arguments()));
     return QApplication::exec();
 }

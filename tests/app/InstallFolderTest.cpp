@@ -66,7 +66,7 @@ TEST(InstallFolder, ToolCopies_AreTheDebianToolsAndTheBuiltFixTool) {
     }
 }
 
-TEST(InstallFolder, CmakeInstall_GivesCompleteFolderLinkDesktopFileAndIcon) {
+TEST(InstallFolder, CmakeInstall_GivesCompleteFolderLinkDesktopFileIconAndListFileType) {
     if (!programBuilt()) {
         GTEST_SKIP() << "the velmora target is not built in this build folder";
     }
@@ -102,6 +102,13 @@ TEST(InstallFolder, CmakeInstall_GivesCompleteFolderLinkDesktopFileAndIcon) {
     EXPECT_TRUE(QFileInfo::exists(prefix.path() + "/share/applications/velmora.desktop"));
     EXPECT_TRUE(
         QFileInfo::exists(prefix.path() + "/share/icons/hicolor/scalable/apps/velmora.svg"));
+    // The type of list files, and the databases built from it and from the
+    // desktop entry, as a plain install brings them up to date.
+    EXPECT_TRUE(QFileInfo::exists(prefix.path() + "/share/mime/packages/velmora.xml"));
+    EXPECT_TRUE(QFileInfo::exists(prefix.path() + "/share/mime/application/x-velmora-list.xml"));
+    QFile cache(prefix.path() + "/share/applications/mimeinfo.cache");
+    ASSERT_TRUE(cache.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(cache.readAll().contains("application/x-velmora-list=velmora.desktop;"));
 }
 
 }  // namespace

@@ -230,3 +230,41 @@ TEST(LogFileNameTest, LogCreatedRecordFor_FollowsTheDefaultLocale) {
 }
 
 }  // namespace
+
+TEST(ListFileOfArgumentsTest, NoArgument_NoListFile) {
+    EXPECT_EQ(ListFileOfArguments({QStringLiteral("velmora")}), QString());
+    EXPECT_EQ(ListFileOfArguments({}), QString());
+}
+
+TEST(ListFileOfArgumentsTest, DebugAlone_NoListFile) {
+    EXPECT_EQ(ListFileOfArguments({QStringLiteral("velmora"), QStringLiteral("/debug")}),
+              QString());
+}
+
+TEST(ListFileOfArgumentsTest, AbsolutePath_IsTheListFile) {
+    EXPECT_EQ(
+        ListFileOfArguments({QStringLiteral("velmora"), QStringLiteral("/music/My List.vlr")}),
+        QStringLiteral("/music/My List.vlr"));
+}
+
+TEST(ListFileOfArgumentsTest, RelativePath_IsTakenFromTheCurrentFolder) {
+    EXPECT_EQ(ListFileOfArguments({QStringLiteral("velmora"), QStringLiteral("lists/a.vlr")}),
+              QDir::currentPath() + QStringLiteral("/lists/a.vlr"));
+}
+
+TEST(ListFileOfArgumentsTest, DebugBesideAFile_TheFileIsTheListFile) {
+    // "/debug" with a file is no debug run (IsDebugCommandLine), and the file
+    // opens all the same, wherever it stands.
+    const QString file = QStringLiteral("/music/a.vlr");
+    EXPECT_EQ(ListFileOfArguments({QStringLiteral("velmora"), QStringLiteral("/debug"), file}),
+              file);
+    EXPECT_EQ(ListFileOfArguments({QStringLiteral("velmora"), file, QStringLiteral("/debug")}),
+              file);
+    EXPECT_FALSE(IsDebugCommandLine({QStringLiteral("velmora"), QStringLiteral("/debug"), file}));
+}
+
+TEST(ListFileOfArgumentsTest, SeveralFiles_TheFirstIsTheListFile) {
+    EXPECT_EQ(ListFileOfArguments(
+                  {QStringLiteral("velmora"), QStringLiteral("/a.vlr"), QStringLiteral("/b.vlr")}),
+              QStringLiteral("/a.vlr"));
+}

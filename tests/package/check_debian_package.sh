@@ -3,7 +3,8 @@
 # with lintian, validates the desktop entry and the AppStream metadata it
 # installs, checks its dependencies, extracts it into a temporary root and
 # starts the extracted program under a virtual X server until its main window
-# and the New List dialog show.
+# and the New List dialog show; then checks that a list file (*.vlr) takes the
+# package's MIME type and opens in the program, with the list shown.
 #
 #   check_debian_package.sh <source-folder> <work-folder>
 #
@@ -16,7 +17,8 @@ WORK=$2
 mkdir -p "$WORK"
 WORK=$(cd "$WORK" && pwd)
 
-TOOLS="dpkg-dev debhelper fakeroot lintian desktop-file-utils appstream xdotool xvfb xauth"
+TOOLS="dpkg-dev debhelper fakeroot lintian desktop-file-utils appstream xdotool xvfb xauth
+shared-mime-info xdg-utils libfile-mimeinfo-perl"
 missing=""
 for package in $TOOLS; do
     if ! dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$'; then
@@ -57,7 +59,7 @@ lintian --fail-on error "$DEB" || fail "lintian reports errors"
 echo "== Dependencies"
 DEPENDS=$(dpkg-deb -f "$DEB" Depends)
 echo "$DEPENDS"
-for needed in libmediainfo0v5 ffmpeg mpgtx; do
+for needed in libmediainfo0v5 ffmpeg mpgtx shared-mime-info; do
     echo "$DEPENDS" | tr ',' '\n' | sed 's/^ *//; s/ .*//' | grep -qx "$needed" ||
         fail "Depends does not name $needed"
 done
@@ -152,4 +154,46 @@ env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY HOME="$CLI/home" XDG_DATA_H
 [ $status -eq 0 ] || fail "the extracted velmora-cli did not join (exit status $status)"
 [ -s "$CLI/joined.mp3" ] || fail "the extracted velmora-cli left no joined file"
 [ ! -e "$CLI/data/Kestor/Velmora/Settings.ini" ] || fail "velmora-cli wrote a Settings.ini"
+echo "== The type of list files"
+XML=$ROOT/usr/share/mime/packages/velmora.xml
+[ -f "$XML" ] || fail "the MIME type of list files is not in usr/share/mime/packages"
+# The database is built where the package is installed, by the trigger of
+# shared-mime-info: the package carries none of it.
+[ "$(find "$ROOT/usr/share/mime" -type f | grep -vc '/mime/packages/')" -eq 0 ] ||
+    fail "the package carries files of the MIME database"
+DESKTOP=$ROOT/usr/share/applications/velmora.desktop
+grep -qx 'MimeType=application/x-velmora-list;' "$DESKTOP" ||
+    fail "the desktop entry does not list the type of list files"
+grep -qx 'Exec=velmora %f' "$DESKTOP" || fail "the desktop entry does not take a file"
+# The package's files in a data folder of their own, built into the
+# databases as the triggers build them on an installed system.
+MIME_HOME=$WORK/mime-home
+rm -rf "$MIME_HOME"
+mkdir -p "$MIME_HOME/mime/packages" "$MIME_HOME/applications"
+cp "$XML" "$MIME_HOME/mime/packages/"
+cp "$DESKTOP" "$MIME_HOME/applications/"
+update-mime-database "$MIME_HOME/mime"
+update-desktop-database "$MIME_HOME/applications"
+# A list file; an empty file known by its name alone; a list file known by
+# its header alone.
+printf 'VLR List v1.0\r\n<MP3>\r\n' >"$WORK/Some List.vlr"
+: >"$WORK/Empty List.vlr"
+printf 'VLR List v1.0\r\n<MPEG>\r\n' >"$WORK/list without extension"
+query() {
+    env -u DISPLAY -u WAYLAND_DISPLAY -u XDG_CURRENT_DESKTOP -u DESKTOP_SESSION \
+        XDG_DATA_HOME="$MIME_HOME" XDG_DATA_DIRS=/usr/share xdg-mime query "$@"
+}
+for file in "$WORK/Some List.vlr" "$WORK/Empty List.vlr" "$WORK/list without extension"; do
+    TYPE=$(query filetype "$file")
+    echo "$file: $TYPE"
+    [ "$TYPE" = application/x-velmora-list ] || fail "$file is of the type $TYPE"
+done
+APP=$(query default application/x-velmora-list)
+echo "opened by: $APP"
+[ "$APP" = velmora.desktop ] || fail "list files are opened by '$APP', not by Velmora"
+
+echo "== Starting the extracted program with a list file"
+env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY HOME="$RUN/home" \
+    sh "$SOURCE/tests/ui/CommandLineListOpens.sh" "$ROOT/usr/bin/velmora" ||
+    fail "the extracted program did not open the list file it was given"
 echo "== The package is fine"

@@ -116,6 +116,21 @@ protected:
         return path;
     }
 
+    // Holds the first script after its copies: its shell sleeps before the
+    // line that removes the marker, so that the run stays in its first
+    // operation, the shell alive, until the user cancels.
+    void holdFirstScript() {
+        QFile script(appData + "/TempFile.bat");
+        ASSERT_TRUE(script.open(QIODevice::ReadOnly));
+        QByteArray text = script.readAll();
+        script.close();
+        const qsizetype removal = text.indexOf("\nrmdir ");
+        ASSERT_GT(removal, 0) << text.toStdString();
+        text.insert(removal + 1, "sleep 60\n");
+        ASSERT_TRUE(script.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        script.write(text);
+    }
+
     QStringList appDataEntries() const {
         QStringList entries = EntriesBelow(appData);
         entries.removeAll("Settings.ini");
@@ -410,12 +425,7 @@ TEST_F(JoinWizardTest, HeldJoin_CaptionsFollowTheRunAndCancelLeavesNothing) {
     const QString output = media + "/joined.mp3";
     questions.chooseFile(output);
     ASSERT_TRUE(StartJoin(model));
-    // A marker folder left over with a file in it: the first script's rmdir
-    // fails, so the run stays in its first operation until the user cancels.
-    QDir().mkpath(appData + "/JoinTemp");
-    QFile blocker(appData + "/JoinTemp/keep");
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    holdFirstScript();
 
     JoinWizard window(model);
     watch(window);
@@ -433,7 +443,6 @@ TEST_F(JoinWizardTest, HeldJoin_CaptionsFollowTheRunAndCancelLeavesNothing) {
     EXPECT_NE(text(window, "WrittenSizeLabel"), "0 KB");
     EXPECT_EQ(text(window, "lblOperation"), "Operation 1 of 2");
 
-    QFile::remove(appData + "/JoinTemp/keep");
     window.findChild<QPushButton*>("CancelButton")->click();
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(text(window, "lblOperation"), "Cancelled!");
@@ -486,10 +495,7 @@ TEST_F(JoinWizardTest, Picture_RunningAndFinished) {
         // Held in its first operation, as in the test above.
         questions.chooseFile(output);
         ASSERT_TRUE(StartJoin(model));
-        QDir().mkpath(appData + "/JoinTemp");
-        QFile blocker(appData + "/JoinTemp/keep");
-        ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
+        holdFirstScript();
         JoinWizard window(model);
         watch(window);
         window.show();
@@ -500,7 +506,6 @@ TEST_F(JoinWizardTest, Picture_RunningAndFinished) {
         // Every text of the running window shows whole.
         const QStringList cuts = TextFitCheck::cutTexts(window);
         EXPECT_TRUE(cuts.isEmpty()) << cuts.join(u'\n').toStdString();
-        QFile::remove(appData + "/JoinTemp/keep");
         window.findChild<QPushButton*>("CancelButton")->click();
         closeWithTheCloseButton(window);
     }

@@ -10,6 +10,7 @@
 #include "MainWindowTestHelpers.h"
 #include "app/AppPaths.h"
 #include "app/DebugLog.h"
+#include "list/Columns.h"
 #include "ui/AppLauncher.h"
 #include "ui/NewListWindow.h"
 #include "ui/Splashscreen.h"
@@ -119,11 +120,25 @@ protected:
             },
             1500);
     }
-    void start(const QStringList& arguments = {"velmora"}) {
+    void start(const QStringList& arguments = {"velmora"}, const QString& listFile = QString()) {
         launcher = std::make_unique<AppLauncher>(questions, clipboard);
         launcher->mainWindow()->exitProgram = [] {};
-        launcher->start(arguments);
+        launcher->start(arguments, listFile);
     }
+    // A list file of the given type with two rows, in the test's folder.
+    QString listFile(const QString& name, const char* type = "MPEG") {
+        const QString path = home.path() + u'/' + name;
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArrayLiteral("VLR List v1.0\r\n<") + type +
+                   QByteArrayLiteral(">\r\n"
+                                     "one.mpg|1 KB|01.01.2020|/media/one.mpg|MPEG-2V|720x576|"
+                                     "00:00:01\r\n"
+                                     "two.mpg|1 KB|01.01.2020|/media/two.mpg|MPEG-2V|720x576|"
+                                     "00:00:01\r\n"));
+        return path;
+    }
+    MainModel& model() { return launcher->mainWindow()->model(); }
 
     QTemporaryDir home;
     QByteArray previousHome;
@@ -219,4 +234,79 @@ TEST_F(StartupTest, DebugCommandLine_ShowsTheDebugBoxFirst) {
     EXPECT_EQ(questions.asked[0].prompt, "Velmora is now running in debug-mode.");
     EXPECT_EQ(questions.asked[0].style, Msg::OkOnly + Msg::Information);
     EXPECT_FALSE(LogPath().isEmpty());
+}
+
+TEST_F(StartupTest, ListFileGiven_OpensAfterTheSplash_WithoutTheNewListDialog) {
+    settings(0, 0, "MP3");
+    createWhenAsked();
+    const QString path = listFile(QStringLiteral("My List.vlr"));
+    start({"velmora", path}, path);
+    // Nothing of the list before the hand-over.
+    EXPECT_FALSE(launcher->handedOver());
+    EXPECT_EQ(model().state.listFileName(), QString());
+    QTest::mouseClick(launcher->splashscreen(), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_TRUE(launcher->handedOver());
+    EXPECT_FALSE(dialogCame);
+    EXPECT_EQ(NewListAtStartup, 0);
+    EXPECT_TRUE(launcher->mainWindow()->isVisible());
+    EXPECT_EQ(launcher->mainWindow()->windowTitle(), "Velmora - (My List.vlr)");
+    EXPECT_EQ(model().state.listFileName(), path);
+    EXPECT_EQ(model().state.listType(), "MPEG");
+    EXPECT_EQ(model().items.headerCount(), 7);
+    ASSERT_EQ(model().items.count(), 2);
+    EXPECT_EQ(model().items.cell(2, SharedCell::Filepath), "/media/two.mpg");
+    EXPECT_TRUE(questions.asked.isEmpty());
+}
+
+TEST_F(StartupTest, ListFileGivenWithoutSplash_TipsStillFollowTheList) {
+    settings(1, 0, "MP3", 1);
+    createWhenAsked();
+    const QString path = listFile(QStringLiteral("a.vlr"), "MP3");
+    start({"velmora", path}, path);
+    EXPECT_FALSE(dialogCame);
+    EXPECT_EQ(model().state.listType(), "MP3");
+    EXPECT_EQ(launcher->mainWindow()->windowTitle(), "Velmora - (a.vlr)");
+    ASSERT_NE(launcher->mainWindow()->tipsWindow, nullptr);
+    EXPECT_TRUE(launcher->mainWindow()->tipsWindow->isVisible());
+    launcher->mainWindow()->tipsWindow->hide();
+}
+
+TEST_F(StartupTest, ListFileThatIsNoList_SaysSo_ThenTheNewListDialog) {
+    settings(1, 0, "MP3");
+    createWhenAsked();
+    const QString path = home.path() + QStringLiteral("/not a list.vlr");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("Some other text\r\n");
+    file.close();
+    start({"velmora", path}, path);
+    ASSERT_EQ(questions.asked.size(), 1);
+    EXPECT_EQ(questions.asked[0].prompt, "Unable to open; Invalid File!");
+    EXPECT_EQ(questions.asked[0].style, Msg::OkOnly + Msg::Exclamation);
+    EXPECT_TRUE(dialogCame);
+    EXPECT_EQ(NewListAtStartup, 0);
+    EXPECT_EQ(model().state.listFileName(), QString());
+    EXPECT_EQ(launcher->mainWindow()->windowTitle(), "Velmora - (Untitled List)");
+}
+
+TEST_F(StartupTest, ListFileMissing_SaysSo_ThenTheNewListDialog) {
+    settings(1, 0, "MPEG");
+    createWhenAsked();
+    const QString path = home.path() + QStringLiteral("/gone.vlr");
+    start({"velmora", path}, path);
+    ASSERT_EQ(questions.asked.size(), 1);
+    EXPECT_EQ(questions.asked[0].prompt, "Unable to open; Invalid File!");
+    EXPECT_TRUE(dialogCame);
+    EXPECT_EQ(model().state.listType(), "MPEG");
+}
+
+TEST_F(StartupTest, DebugCommandLineWithAListFile_OpensTheListInAnOrdinaryRun) {
+    settings(1, 0);
+    createWhenAsked();
+    const QString path = listFile(QStringLiteral("a.vlr"));
+    start({"velmora", "/debug", path}, path);
+    EXPECT_TRUE(LogPath().isEmpty());
+    EXPECT_TRUE(questions.asked.isEmpty());
+    EXPECT_FALSE(dialogCame);
+    EXPECT_EQ(model().state.listFileName(), path);
 }
