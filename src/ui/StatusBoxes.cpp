@@ -22,8 +22,8 @@ QString lines(const MainModel& model, const QString& text) {
 }  // namespace
 
 bool ShowListStatusBox(MainModel& model) {
-    const QString& status = model.state.listStatus();
-    if (status == QLatin1String("Green")) {
+    const Grade grade = model.state.grade();
+    if (grade == Grade::Green) {
         model.questions.msgBox(
             lines(model,
                   QStringLiteral("Status: Green\r\rThis status indicates that there is nothing "
@@ -31,7 +31,7 @@ bool ShowListStatusBox(MainModel& model) {
             Msg::OkOnly + Msg::Information);
         return true;
     }
-    if (status == QLatin1String("Orange")) {
+    if (grade == Grade::Orange) {
         model.questions.msgBox(
             lines(
                 model,
@@ -43,7 +43,7 @@ bool ShowListStatusBox(MainModel& model) {
             Msg::OkOnly + Msg::Exclamation);
         return true;
     }
-    if (status == QLatin1String("Red")) {
+    if (grade == Grade::Red) {
         if (model.items.count() < 2) {
             model.questions.msgBox(
                 lines(model,
