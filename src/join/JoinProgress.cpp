@@ -166,15 +166,12 @@ std::optional<std::int16_t> TotalSecondsOf(const QString& caption) {
     if (!fields || !fits16(fields->hours) || !fits16(fields->minutes) || !fits16(fields->seconds)) {
         return std::nullopt;
     }
-    const std::int16_t hours = static_cast<std::int16_t>(fields->hours);
-    const std::int16_t minutes = static_cast<std::int16_t>(fields->minutes);
-    const std::int16_t seconds = static_cast<std::int16_t>(fields->seconds);
     // Each step is a 16-bit figure of its own: 10 hours already overflow.
-    long long total = static_cast<long long>(hours) * 3600;
+    long long total = fields->hours * 3600;
     if (!fits16(total)) {
         return std::nullopt;
     }
-    const long long minuteSeconds = static_cast<long long>(minutes) * 60;
+    const long long minuteSeconds = fields->minutes * 60;
     if (!fits16(minuteSeconds)) {
         return std::nullopt;
     }
@@ -182,7 +179,7 @@ std::optional<std::int16_t> TotalSecondsOf(const QString& caption) {
     if (!fits16(total)) {
         return std::nullopt;
     }
-    total += seconds;
+    total += fields->seconds;
     if (!fits16(total)) {
         return std::nullopt;
     }
