@@ -194,7 +194,8 @@ const QList<ColumnCase>& columnCases() {
         {"Mp3DateModified",
          "MP3",
          SharedCell::DateModified,
-         {"", "2023-09-30T23:00", "2023-10-01T01:00", "2023-12-31T23:59", "2024-01-01T00:00"},
+         {"", "1999-12-31T22:00", "2023-09-30T23:00", "2023-10-01T01:00", "2023-12-31T23:59",
+          "2024-01-01T00:00"},
          true},
         {"Mp3Filepath",
          "MP3",
@@ -232,11 +233,13 @@ const QList<ColumnCase>& columnCases() {
 class SortWizardColumnTest : public ::testing::TestWithParam<ColumnCase> {
 protected:
     // Adds the cells in an order that is neither the ascending nor the
-    // descending one (the second cell first), and sorts through the wizard.
+    // descending one (the descending one with its first two cells swapped),
+    // and sorts through the wizard.
     QStringList sortThroughTheWizard(int method) {
         const ColumnCase& c = GetParam();
         NewItemList(model, QString::fromLatin1(c.listType));
         QStringList cells = c.cells();
+        std::reverse(cells.begin(), cells.end());
         cells.swapItemsAt(0, 1);
         for (const QString& text : cells) {
             const int row = model.items.addRow(c.cell == SharedCell::Filename ? text : "x");
