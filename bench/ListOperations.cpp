@@ -1,19 +1,23 @@
 // The list routines on long lists: list files, totals, duplicate and dead-file
-// removal, the list text for the clipboard, and the sort.
+// removal, the list text for the clipboard, and the sort beside the text sort
+// it replaced.
 #include <benchmark/benchmark.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 #include "app/AppPaths.h"
 #include "list/ClipboardModule.h"
+#include "list/Columns.h"
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
 #include "list/SortList.h"
+#include "media/ItemCells.h"
 #include "platform/Clipboard.h"
 #include "platform/Questions.h"
 #include "support/MemoryClipboard.h"
@@ -187,18 +191,83 @@ void BM_CopyList(benchmark::State& state) {
 }
 BENCHMARK(BM_CopyList)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// Rows in a shuffled order, sorted by Filename.
-void BM_SortByFilename(benchmark::State& state) {
+// The peer of the sorts: the text sort the Sort Wizard had before it sorted
+// by what a column means. Each cell's text is case-folded once, the folded
+// texts are compared code unit by code unit, and the sort is stable.
+void textSortPeer(ItemList& items, int column) {
+    const int rows = items.count();
+    QStringList keys;
+    keys.reserve(rows);
+    for (int i = 1; i <= rows; ++i) {
+        keys.append(items.cell(i, column).toCaseFolded());
+    }
+    QList<int> order(rows);
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+        return QString::compare(keys.at(a), keys.at(b), Qt::CaseSensitive) < 0;
+    });
+    QList<int> positions;
+    positions.reserve(rows);
+    for (int index : order) {
+        positions.append(index + 1);
+    }
+    items.reorder(positions);
+}
+
+// Rows in a shuffled order, sorted once by a column: by the Sort Wizard's
+// routine, or by the text sort peer.
+void sortBench(benchmark::State& state, int column, bool peer,
+               const std::function<void(QStringList&, int)>& change = {}) {
     Bench b;
     QList<QStringList> rows = mp3Rows(static_cast<int>(state.range(0)), uniquePath);
+    if (change) {
+        for (int i = 0; i < rows.size(); ++i) {
+            change(rows[i], i);
+        }
+    }
     std::shuffle(rows.begin(), rows.end(), std::mt19937(42));
     for (auto _ : state) {
         state.PauseTiming();
         fill(b.model, rows);
         state.ResumeTiming();
-        SortList(b.model, 0, 0);
+        if (peer) {
+            textSortPeer(b.model.items, column);
+        } else {
+            SortList(b.model, column, 0);
+        }
     }
 }
+
+// Filename in natural order, beside the text sort of the same column.
+void BM_SortByFilename(benchmark::State& state) {
+    sortBench(state, SharedCell::Filename, false);
+}
 BENCHMARK(BM_SortByFilename)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void BM_SortByFilenameTextPeer(benchmark::State& state) {
+    sortBench(state, SharedCell::Filename, true);
+}
+BENCHMARK(BM_SortByFilenameTextPeer)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// Duration by its seconds, beside the text sort of the same column.
+void BM_SortByDuration(benchmark::State& state) {
+    sortBench(state, Mp3Cell::Duration, false);
+}
+BENCHMARK(BM_SortByDuration)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void BM_SortByDurationTextPeer(benchmark::State& state) {
+    sortBench(state, Mp3Cell::Duration, true);
+}
+BENCHMARK(BM_SortByDurationTextPeer)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// Date Modified by date and time, each cell a different time in the form the
+// cells are written in: every cell is parsed in the locale's form.
+void BM_SortByDateModified(benchmark::State& state) {
+    const QDateTime start(QDate(2021, 3, 4), QTime(21, 15));
+    sortBench(state, SharedCell::DateModified, false, [&](QStringList& row, int i) {
+        row[SharedCell::DateModified] = FileDateText(start.addSecs(i * 61));
+    });
+}
+BENCHMARK(BM_SortByDateModified)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

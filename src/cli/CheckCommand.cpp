@@ -13,17 +13,19 @@
 #include "cli/ListSources.h"
 #include "cli/RowReport.h"
 #include "list/Columns.h"
+#include "list/ListGrade.h"
 #include "list/MainModel.h"
 #include "list/StatusBoxes.h"
 #include "platform/InterruptWatcher.h"
 
 namespace {
 
-int statusOfGrade(const QString& grade) {
-    if (grade == QLatin1String("Green")) {
+int statusOfGrade(const QString& status) {
+    const Grade grade = GradeOf(status);
+    if (grade == Grade::Green) {
         return ExitCode::kOk;
     }
-    if (grade == QLatin1String("Orange")) {
+    if (grade == Grade::Orange) {
         return ExitCode::kOrange;
     }
     return ExitCode::kRed;

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "media/ListType.h"
+
 namespace {
 
 const QString kProgram = QStringLiteral("velmora-cli");
@@ -78,10 +80,10 @@ bool takeCommonOption(const QString& argument, CliOptions& options) {
 QString listTypeOf(const QString& value) {
     const QString lower = value.toLower();
     if (lower == QLatin1String("mp3")) {
-        return QStringLiteral("MP3");
+        return ListTypeText(ListType::Mp3);
     }
     if (lower == QLatin1String("mpeg")) {
-        return QStringLiteral("MPEG");
+        return ListTypeText(ListType::Mpeg);
     }
     return {};
 }

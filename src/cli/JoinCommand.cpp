@@ -12,6 +12,7 @@
 #include "cli/JoinDriver.h"
 #include "cli/ListSources.h"
 #include "list/MainModel.h"
+#include "media/ListType.h"
 #include "platform/FileHelpers.h"
 #include "platform/InterruptWatcher.h"
 
@@ -95,7 +96,7 @@ JoinOutcome joinFolder(CliContext& cli, const QString& folder, const QString& ou
         name = QStringLiteral("joined");
     }
     const QString extension =
-        list.listType == QLatin1String("MP3") ? QStringLiteral(".mp3") : QStringLiteral(".mpg");
+        list.listType == ListTypeText(ListType::Mp3) ? QStringLiteral(".mp3") : QStringLiteral(".mpg");
     const QString output = outFolder + u'/' + name + extension;
     const JoinOutcome outcome = JoinListInto(cli, model, output);
     if (outcome == JoinOutcome::Joined) {

@@ -12,11 +12,12 @@
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
+#include "media/ListType.h"
 #include "platform/FileHelpers.h"
 
 namespace {
 
-const QStringList kListTypes = {QStringLiteral("MP3"), QStringLiteral("MPEG")};
+const QStringList kListTypes = {ListTypeText(ListType::Mp3), ListTypeText(ListType::Mpeg)};
 
 // A source as it was found, before the list is made.
 struct Source {

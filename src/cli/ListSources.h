@@ -16,7 +16,7 @@ struct MainModel;
 // A type asked for that a source contradicts, or sources of both types, make
 // no list.
 struct SourceList {
-    QString listType;  // "MP3" or "MPEG"
+    QString listType;  // the text of a ListType
     // Why the sources make no list; empty when they made one.
     QString error;
     // What is worth knowing about a list that was made (a folder without a

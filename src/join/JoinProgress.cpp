@@ -9,6 +9,7 @@
 #include "app/DebugLog.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
+#include "list/CellValues.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
 
@@ -161,18 +162,16 @@ std::optional<ToolStatus> ParseToolStatusLine(const QString& line) {
 }
 
 std::optional<std::int16_t> TotalSecondsOf(const QString& caption) {
-    const std::optional<std::int16_t> hours = toInt16(caption.mid(0, 2));
-    const std::optional<std::int16_t> minutes = toInt16(caption.mid(3, 2));
-    const std::optional<std::int16_t> seconds = toInt16(caption.mid(6, 2));
-    if (!hours || !minutes || !seconds) {
+    const std::optional<ClockFields> fields = CellValues::clockFields(caption);
+    if (!fields || !fits16(fields->hours) || !fits16(fields->minutes) || !fits16(fields->seconds)) {
         return std::nullopt;
     }
     // Each step is a 16-bit figure of its own: 10 hours already overflow.
-    long long total = static_cast<long long>(*hours) * 3600;
+    long long total = fields->hours * 3600;
     if (!fits16(total)) {
         return std::nullopt;
     }
-    const long long minuteSeconds = static_cast<long long>(*minutes) * 60;
+    const long long minuteSeconds = fields->minutes * 60;
     if (!fits16(minuteSeconds)) {
         return std::nullopt;
     }
@@ -180,7 +179,7 @@ std::optional<std::int16_t> TotalSecondsOf(const QString& caption) {
     if (!fits16(total)) {
         return std::nullopt;
     }
-    total += *seconds;
+    total += fields->seconds;
     if (!fits16(total)) {
         return std::nullopt;
     }

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLocale>
 #include <limits>
 #include <utility>
 
@@ -16,6 +15,7 @@
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
 #include "join/RemakeStreams.h"
+#include "list/CellValues.h"
 #include "list/MainModel.h"
 #include "platform/EventTurn.h"
 #include "platform/FileHelpers.h"
@@ -109,12 +109,8 @@ void JoinRun::load(bool ownTimers) {
     syncTimers();
 
     // The bar counts the list's bytes, in the precision of its KB figure.
-    QString sizeText = model_.state.sizeCaption();
-    sizeText.replace(QStringLiteral(" KB"), QString());
-    bool ok = false;
-    const double kilobytes = QLocale().toDouble(sizeText.trimmed(), &ok);
-    if (ok) {
-        state_.setProgressMax(static_cast<float>(kilobytes * 1024.0));
+    if (const auto kilobytes = CellValues().listKilobytes(model_.state.sizeCaption())) {
+        state_.setProgressMax(static_cast<float>(*kilobytes * 1024.0));
     }
     state_.setOperationText(QStringLiteral("Operation 1 of 2"));
     state_.setOperationTag(kOperation1);

@@ -9,6 +9,7 @@
 #include "app/Settings.h"
 #include "app/Version.h"
 #include "join/ShDialect.h"
+#include "list/CellValues.h"
 #include "list/Columns.h"
 #include "list/MainModel.h"
 #include "mpegaudio/JoinSources.h"
@@ -18,22 +19,23 @@ namespace {
 
 // The Video Codec column header and the codec of the first row, as the list
 // holds them.
-bool hasVideoCodec(const MainModel& model, const QString& codec) {
+bool hasVideoCodec(const MainModel& model, VideoCodec codec) {
     const ItemList& items = model.items;
     if (items.headerCount() <= MpegCell::VideoCodec ||
         items.header(MpegCell::VideoCodec).text !=
             QLatin1String(HeaderText(kMpegColumns, MpegCell::VideoCodec))) {
         return false;
     }
-    return items.count() >= 1 && items.cell(1, MpegCell::VideoCodec) == codec;
+    return items.count() >= 1 &&
+           CellValues::videoCodec(items.cellView(1, MpegCell::VideoCodec)) == codec;
 }
 
 bool isMp3List(const MainModel& model) {
-    return model.state.listType() == QStringLiteral("MP3");
+    return model.state.type() == ListType::Mp3;
 }
 
 bool isMpeg1VideoList(const MainModel& model) {
-    return hasVideoCodec(model, QStringLiteral("MPEG-1V"));
+    return hasVideoCodec(model, VideoCodec::Mpeg1);
 }
 
 // Copies a tool from InstallFolder to AppDataFolder under its new name,
@@ -149,7 +151,7 @@ QString FixScriptName(const MainModel& model) {
 }
 
 bool IsMpeg2VideoList(const MainModel& model) {
-    return hasVideoCodec(model, QStringLiteral("MPEG-2V"));
+    return hasVideoCodec(model, VideoCodec::Mpeg2);
 }
 
 QString TempFileSuffix(const MainModel& model) {

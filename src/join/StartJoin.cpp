@@ -13,6 +13,7 @@
 #include "app/Settings.h"
 #include "join/JoinLock.h"
 #include "join/JoinScripts.h"
+#include "list/CellValues.h"
 #include "list/DialogFolder.h"
 #include "list/MainModel.h"
 #include "platform/FileHelpers.h"
@@ -54,17 +55,11 @@ std::optional<qint64> availableKb(double freeBytes) {
 // The list's size in KB from its caption ("1,234 KB"), doubled: TempFile and
 // OutputFile exist side by side. 0 when the caption holds no number.
 qint64 requiredKb(const QString& sizeCaption) {
-    QString text = sizeCaption;
-    text.replace(QStringLiteral(" KB"), QString());
-    bool ok = false;
-    double kb = QLocale().toDouble(text.trimmed(), &ok);
-    if (!ok) {
-        kb = QLocale::c().toDouble(text.trimmed(), &ok);
-    }
-    if (!ok) {
+    const std::optional<double> kb = CellValues().listKilobytes(sizeCaption);
+    if (!kb) {
         return 0;
     }
-    return static_cast<qint64>(std::nearbyint(kb * 2.0));
+    return static_cast<qint64>(std::nearbyint(*kb * 2.0));
 }
 
 // The pre-flight from the save dialog on, once the join lock is held.
@@ -119,7 +114,7 @@ bool StartJoin(MainModel& model) {
                          Msg::OkOnly + Msg::Exclamation);
         return false;
     }
-    if (model.state.listStatus() == QStringLiteral("Red")) {
+    if (model.state.grade() == Grade::Red) {
         questions.msgBox(
             QStringLiteral("Unable to join one or more files!") + kCrLf +
                 QStringLiteral("Please, check your list for incompatible files.") + kCrLf + kCrLf +
@@ -147,9 +142,9 @@ bool preflightAfterLock(MainModel& model) {
     Questions& questions = model.questions;
     CommonDialog& dialog = model.commonDialog;
     PrepareDialog(dialog, QStringLiteral("Create Output File"), Settings::DialogFolder::JoinFiles);
-    if (model.state.listType() == QStringLiteral("MP3")) {
+    if (model.state.type() == ListType::Mp3) {
         dialog.filter = QStringLiteral("MP3 File|*.mp3");
-    } else if (model.state.listType() == QStringLiteral("MPEG")) {
+    } else if (model.state.type() == ListType::Mpeg) {
         dialog.filter = QStringLiteral("MPEG File|*.mpg");
     }
     dialog.flags = DialogFlags::HideReadOnly;

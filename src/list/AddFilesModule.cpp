@@ -9,6 +9,7 @@
 #include "list/FillListItem.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
+#include "list/NaturalOrder.h"
 #include "list/ReadAhead.h"
 #include "platform/EventTurn.h"
 #include "platform/FileHelpers.h"
@@ -77,10 +78,11 @@ QDir::Filters visibleOnly(QDir::Filters kind) {
 }  // namespace
 
 QString AddFilesFilter(const QString& listType) {
-    if (listType == QLatin1String("MP3")) {
+    const ListType type = ListTypeOf(listType);
+    if (type == ListType::Mp3) {
         return QStringLiteral("MP3 Files|*.mp3|All Files|*.*");
     }
-    if (listType == QLatin1String("MPEG")) {
+    if (type == ListType::Mpeg) {
         return QStringLiteral(
             "MPEG Files|*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat;*.vob|All Files|*.*");
     }
@@ -88,10 +90,11 @@ QString AddFilesFilter(const QString& listType) {
 }
 
 QString FolderPattern(const QString& listType) {
-    if (listType == QLatin1String("MP3")) {
+    const ListType type = ListTypeOf(listType);
+    if (type == ListType::Mp3) {
         return QStringLiteral("*.mp3");
     }
-    if (listType == QLatin1String("MPEG")) {
+    if (type == ListType::Mpeg) {
         return QStringLiteral("*.mpg;*.mpeg;*.mpe;*.m2v;*.mp2;*.dat;*.vob");
     }
     return QString();
@@ -104,8 +107,10 @@ QStringList FolderFileNames(const QString& folder, const QString& patterns) {
     // to case unless QDir::CaseSensitive is given.
     dir.setNameFilters(patterns.split(u';', Qt::SkipEmptyParts));
     dir.setFilter(visibleOnly(QDir::Files));
-    dir.setSorting(QDir::Name | QDir::IgnoreCase);
-    return dir.entryList();
+    // By code points first, so that names equal in natural order ("a.mp3"
+    // and "A.mp3") always come in the same order.
+    dir.setSorting(QDir::Name);
+    return SortedNaturally(dir.entryList());
 }
 
 QStringList SubFolderPaths(const QString& folder) {
@@ -113,9 +118,9 @@ QStringList SubFolderPaths(const QString& folder) {
     // Linked folders stay out, so that a link to a folder above can't make
     // the walk endless.
     dir.setFilter(visibleOnly(QDir::Dirs) | QDir::NoSymLinks);
-    dir.setSorting(QDir::Name | QDir::IgnoreCase);
+    dir.setSorting(QDir::Name);
     QStringList paths;
-    for (const QString& name : dir.entryList()) {
+    for (const QString& name : SortedNaturally(dir.entryList())) {
         paths.append(dir.filePath(name));
     }
     return paths;

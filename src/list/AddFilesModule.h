@@ -34,12 +34,12 @@ QString AddFilesFilter(const QString& listType);
 QString FolderPattern(const QString& listType);
 
 // The names of the files of a folder that match any of the ";"-separated
-// patterns, without regard to case; hidden files are left out. Sorted by name
-// without regard to case.
+// patterns, without regard to case; hidden files are left out. In natural
+// order: numbers by value, case ignored ("Track 2" before "track 10").
 QStringList FolderFileNames(const QString& folder, const QString& patterns);
 
 // The full paths of the direct subfolders of a folder, hidden ones left out,
-// sorted by name without regard to case.
+// with their names in natural order.
 QStringList SubFolderPaths(const QString& folder);
 
 // The path of a listed file: the folder, a separator and the name. No test

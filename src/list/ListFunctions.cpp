@@ -22,13 +22,14 @@ const QString kListFilter = QStringLiteral("VLR Files|*.vlr");
 void setListLayout(MainModel& model, const QString& listType, bool setImage) {
     ClearColumns(model);
     AddSharedColumns(model);
-    if (listType == QLatin1String("MP3")) {
+    const ListType type = ListTypeOf(listType);
+    if (type == ListType::Mp3) {
         AddMP3Columns(model);
         if (setImage) {
             model.state.setTypeImage(ListState::Picture::MP3);
         }
     }
-    if (listType == QLatin1String("MPEG")) {
+    if (type == ListType::Mpeg) {
         AddMPEGColumns(model);
         if (setImage) {
             model.state.setTypeImage(ListState::Picture::MPEG);
@@ -95,7 +96,7 @@ void NewItemList(MainModel& model, const QString& listType) {
     model.state.setListType(listType);
     ClearColumns(model);
     AddSharedColumns(model);
-    if (listType == QLatin1String("MP3")) {
+    if (ListTypeOf(listType) == ListType::Mp3) {
         AddMP3Columns(model);
         model.state.setTypeImage(ListState::Picture::MP3);
     } else {

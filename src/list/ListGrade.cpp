@@ -5,6 +5,10 @@
 
 namespace {
 
+const QString kGreen = QStringLiteral("Green");
+const QString kOrange = QStringLiteral("Orange");
+const QString kRed = QStringLiteral("Red");
+
 // True when the column, all its cells appended to one text, is made up of
 // nothing but the first row's cell: every occurrence of that cell is deleted
 // from the joined text, and the column counts as equal when nothing is left.
@@ -38,33 +42,70 @@ void UpdateListStatus(MainModel& model) {
     const ItemList& items = model.items;
     const int rows = items.count();
     if (rows >= 1) {
-        SetListStatus(model, QStringLiteral("Green"));
-        if (model.state.listType() == QLatin1String("MP3")) {
+        SetListStatus(model, Grade::Green);
+        if (model.state.type() == ListType::Mp3) {
             if (!columnMadeOfFirstCell(items, Mp3Cell::Hertz)) {
-                SetListStatus(model, QStringLiteral("Orange"));
+                SetListStatus(model, Grade::Orange);
             }
         } else {
             // Every type but MP3 is graded on its video columns.
             if (!columnMadeOfFirstCell(items, MpegCell::VideoCodec)) {
-                SetListStatus(model, QStringLiteral("Red"));
+                SetListStatus(model, Grade::Red);
             }
             if (!columnMadeOfFirstCell(items, MpegCell::VideoSize)) {
-                SetListStatus(model, QStringLiteral("Red"));
+                SetListStatus(model, Grade::Red);
             }
         }
     }
     if (rows < 2) {
-        SetListStatus(model, QStringLiteral("Red"));
+        SetListStatus(model, Grade::Red);
     }
+}
+
+Grade GradeOf(QStringView status) {
+    if (status == kGreen) {
+        return Grade::Green;
+    }
+    if (status == kOrange) {
+        return Grade::Orange;
+    }
+    if (status == kRed) {
+        return Grade::Red;
+    }
+    return Grade::None;
+}
+
+QString GradeText(Grade grade) {
+    switch (grade) {
+        case Grade::Green:
+            return kGreen;
+        case Grade::Orange:
+            return kOrange;
+        case Grade::Red:
+            return kRed;
+        case Grade::None:
+            break;
+    }
+    return QString();
 }
 
 void SetListStatus(MainModel& model, const QString& status) {
     model.state.setListStatusText(status);
-    if (status == QLatin1String("Green")) {
-        model.state.setStatusPicture(ListState::Picture::Green);
-    } else if (status == QLatin1String("Orange")) {
-        model.state.setStatusPicture(ListState::Picture::Orange);
-    } else if (status == QLatin1String("Red")) {
-        model.state.setStatusPicture(ListState::Picture::Red);
+    switch (GradeOf(status)) {
+        case Grade::Green:
+            model.state.setStatusPicture(ListState::Picture::Green);
+            break;
+        case Grade::Orange:
+            model.state.setStatusPicture(ListState::Picture::Orange);
+            break;
+        case Grade::Red:
+            model.state.setStatusPicture(ListState::Picture::Red);
+            break;
+        case Grade::None:
+            break;
     }
+}
+
+void SetListStatus(MainModel& model, Grade grade) {
+    SetListStatus(model, GradeText(grade));
 }

@@ -1,9 +1,9 @@
 #include "list/ListInfoFigures.h"
 
 #include <QLocale>
-#include <QTime>
 #include <cmath>
 
+#include "list/CellValues.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
 #include "platform/Clipboard.h"
@@ -13,8 +13,8 @@ QString AverageDuration(const QString& durationCaption, int rows) {
     if (rows <= 0) {
         return QStringLiteral("00:00:00");
     }
-    const QTime time = QTime::fromString(durationCaption.trimmed(), QStringLiteral("h:m:s"));
-    const qint64 seconds = time.isValid() ? QTime(0, 0).secsTo(time) : 0;
+    // A caption that reads as no time of day counts 0 seconds.
+    const qint64 seconds = CellValues::listSeconds(durationCaption).value_or(0);
     // std::nearbyint rounds in the default mode, to nearest with an exact half
     // going to the even number: 5 seconds over 2 rows is 2 seconds.
     const double average = std::nearbyint(static_cast<double>(seconds) / rows);
@@ -26,12 +26,7 @@ QString AverageSize(const QString& sizeCaption, int rows) {
         return QStringLiteral("0 KB");
     }
     const QLocale locale;
-    QString number = sizeCaption;
-    number.remove(QStringLiteral(" KB"));
-    double total = 0;
-    if (!ParseCellNumber(number, locale, total)) {
-        total = 0;
-    }
+    const double total = CellValues(locale).listKilobytes(sizeCaption).value_or(0);
     return FormatKilobytes(total / rows, locale) + QStringLiteral(" KB");
 }
 

@@ -3,6 +3,9 @@
 #include <QObject>
 #include <QString>
 
+#include "list/ListGrade.h"
+#include "media/ListType.h"
+
 // The values that describe the whole list, in one place. The main window shows
 // them (and nothing else keeps a copy); every routine reads and writes them
 // here. Each setter emits changed() when the value really changed.
@@ -17,6 +20,8 @@ public:
     // the first list; any other text after a list file of an unknown type).
     const QString& listType() const { return listType_; }
     void setListType(const QString& v) { set(listType_, v); }
+    // The type that caption names.
+    ListType type() const { return ListTypeOf(listType_); }
     // The picture of ListTypeImage (MP3 or MPEG icon).
     Picture typeImage() const { return typeImage_; }
     void setTypeImage(Picture v) { set(typeImage_, v); }
@@ -29,6 +34,8 @@ public:
     // ListStatus and the status picture of panel 3 (written by SetListStatus).
     const QString& listStatus() const { return listStatus_; }
     void setListStatusText(const QString& v) { set(listStatus_, v); }
+    // The grade that ListStatus names.
+    Grade grade() const { return GradeOf(listStatus_); }
     Picture statusPicture() const { return statusPicture_; }
     void setStatusPicture(Picture v) { set(statusPicture_, v); }
 

@@ -3,103 +3,14 @@
 #include <cmath>
 #include <limits>
 
+#include "list/CellValues.h"
 #include "list/Columns.h"
 #include "list/ListGrade.h"
 #include "list/MainModel.h"
 
 namespace {
-
-const QString kSecondsUnit = QStringLiteral(" seconds");
 const QString kKilobyteUnit = QStringLiteral(" KB");
-
-// Plain digits, or digits in groups of three behind a first group of one to
-// three, split by the locale's group separator. This is what the size and
-// duration cells hold nearly always, so it is read here without the
-// locale's general parser.
-bool parseWholeNumber(QStringView text, QStringView group, double& value) {
-    if (text.isEmpty() || text.size() > 18 + 6 * group.size()) {
-        return false;
-    }
-    qint64 number = 0;
-    int digits = 0;
-    int digitsInGroup = 0;
-    bool grouped = false;
-    qsizetype i = 0;
-    while (i < text.size()) {
-        const QChar c = text.at(i);
-        if (c >= u'0' && c <= u'9') {
-            // More than 18 digits may not fit in 64 bits: the general parser
-            // reads those.
-            if (++digits > 18) {
-                return false;
-            }
-            number = number * 10 + (c.unicode() - u'0');
-            ++digitsInGroup;
-            ++i;
-            continue;
-        }
-        if (group.isEmpty() || !text.sliced(i).startsWith(group)) {
-            return false;
-        }
-        // A separator stands behind one to three digits, and behind exactly
-        // three once the first group is past.
-        if (digitsInGroup == 0 || digitsInGroup > 3 || (grouped && digitsInGroup != 3)) {
-            return false;
-        }
-        grouped = true;
-        digitsInGroup = 0;
-        i += group.size();
-    }
-    if (digitsInGroup == 0 || (grouped && digitsInGroup != 3)) {
-        return false;
-    }
-    value = static_cast<double>(number);
-    return true;
-}
-
-// The text of a cell with every occurrence of its unit deleted. The unit
-// nearly always stands once, at the end, and is then cut off without a copy.
-QStringView withoutUnit(QStringView text, const QString& unit, QString& scratch) {
-    QStringView view = text;
-    if (view.endsWith(unit)) {
-        view.chop(unit.size());
-        if (!view.contains(unit)) {
-            return view;
-        }
-    } else if (!view.contains(unit)) {
-        return view;
-    }
-    scratch = text.toString();
-    scratch.remove(unit);
-    return scratch;
-}
-
 }  // namespace
-
-namespace {
-
-bool parseCellNumber(QStringView text, const QLocale& locale, QStringView group, double& value) {
-    const QStringView trimmed = text.trimmed();
-    if (trimmed.isEmpty()) {
-        return false;
-    }
-    if (parseWholeNumber(trimmed, group, value)) {
-        return true;
-    }
-    bool ok = false;
-    const double parsed = locale.toDouble(trimmed, &ok);
-    if (!ok || !std::isfinite(parsed)) {
-        return false;
-    }
-    value = parsed;
-    return true;
-}
-
-}  // namespace
-
-bool ParseCellNumber(QStringView text, const QLocale& locale, double& value) {
-    return parseCellNumber(text, locale, locale.groupSeparator(), value);
-}
 
 QString FormatKilobytes(double kilobytes, const QLocale& locale) {
     // Half away from zero, as the pattern rounds.
@@ -137,33 +48,32 @@ void UpdateListTotals(MainModel& model) {
     // Only the two known types have a duration column; rows of a list of any
     // other type add no seconds.
     int durationCell = -1;
-    if (state.listType() == QLatin1String("MP3")) {
+    if (state.type() == ListType::Mp3) {
         durationCell = Mp3Cell::Duration;
-    } else if (state.listType() == QLatin1String("MPEG")) {
+    } else if (state.type() == ListType::Mpeg) {
         durationCell = MpegCell::Duration;
     }
 
     // The seconds total is a 32-bit count: a row that would carry it past
-    // that adds nothing. Each row adds only its whole seconds.
+    // that adds nothing. Each row adds only its whole seconds and kilobytes;
+    // a cell that holds no number adds nothing.
     qint32 seconds = 0;
     double kilobytes = 0;
-    const QString group = locale.groupSeparator();
-    QString scratch;
+    const CellValues values(locale);
     for (int i = 1; i <= rows; ++i) {
-        double value = 0;
-        if (durationCell >= 0 &&
-            parseCellNumber(withoutUnit(items.cellView(i, durationCell), kSecondsUnit, scratch),
-                            locale, group, value)) {
-            const double sum = static_cast<double>(seconds) + std::floor(value);
-            if (sum >= std::numeric_limits<qint32>::min() &&
-                sum <= std::numeric_limits<qint32>::max()) {
-                seconds = static_cast<qint32>(sum);
+        if (durationCell >= 0) {
+            if (const std::optional<double> value =
+                    values.seconds(items.cellView(i, durationCell))) {
+                const double sum = static_cast<double>(seconds) + std::floor(*value);
+                if (sum >= std::numeric_limits<qint32>::min() &&
+                    sum <= std::numeric_limits<qint32>::max()) {
+                    seconds = static_cast<qint32>(sum);
+                }
             }
         }
-        if (parseCellNumber(
-                withoutUnit(items.cellView(i, SharedCell::Filesize), kKilobyteUnit, scratch),
-                locale, group, value)) {
-            kilobytes += std::floor(value);
+        if (const std::optional<double> value =
+                values.kilobytes(items.cellView(i, SharedCell::Filesize))) {
+            kilobytes += std::floor(*value);
         }
     }
     if (rows == 0) {

@@ -5,17 +5,16 @@
 #include <QStringView>
 #include <QtGlobal>
 
+// The totals read the cells through the cell values (ParseCellNumber among
+// them).
+#include "list/CellValues.h"
+
 struct MainModel;
 
 // Sets the item count, the total size and the total duration from the cells
 // of the rows, then grades the list (UpdateListStatus). Called at the end of
 // every routine that adds or removes rows.
 void UpdateListTotals(MainModel& model);
-
-// Reads the number in a cell's text once its unit is gone: surrounding blanks
-// are ignored, and the locale's digit grouping is accepted ("4,211" in a
-// locale that groups with commas). False for empty or non-numeric text.
-bool ParseCellNumber(QStringView text, const QLocale& locale, double& value);
 
 // A size in the pattern "#,###,###": rounded to the nearest whole number,
 // thousands grouped by the locale, and nothing at all for 0.

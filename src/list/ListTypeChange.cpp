@@ -23,12 +23,12 @@ void ChangeListType(MainModel& model, const ListTypeChangeSteps& steps) {
     }
     RunCommand(steps.clearColumns);
     RunCommand(steps.addSharedColumns);
-    if (model.state.listType() == QLatin1String("MP3")) {
-        model.state.setListType(QStringLiteral("MPEG"));
+    if (model.state.type() == ListType::Mp3) {
+        model.state.setListType(ListTypeText(ListType::Mpeg));
         model.state.setTypeImage(ListState::Picture::MPEG);
         RunCommand(steps.addMPEGColumns);
     } else {
-        model.state.setListType(QStringLiteral("MP3"));
+        model.state.setListType(ListTypeText(ListType::Mp3));
         model.state.setTypeImage(ListState::Picture::MP3);
         RunCommand(steps.addMP3Columns);
     }

@@ -20,14 +20,14 @@ ListStatusExplanation explanation(const MainModel& model, const QString& text, i
 }  // namespace
 
 std::optional<ListStatusExplanation> ExplainListStatus(const MainModel& model) {
-    const QString& status = model.state.listStatus();
-    if (status == QLatin1String("Green")) {
+    const Grade grade = model.state.grade();
+    if (grade == Grade::Green) {
         return explanation(model,
                            QStringLiteral("Status: Green\r\rThis status indicates that there is "
                                           "nothing wrong with your list."),
                            Msg::OkOnly + Msg::Information);
     }
-    if (status == QLatin1String("Orange")) {
+    if (grade == Grade::Orange) {
         return explanation(
             model,
             QStringLiteral(
@@ -37,7 +37,7 @@ std::optional<ListStatusExplanation> ExplainListStatus(const MainModel& model) {
                 "this list!"),
             Msg::OkOnly + Msg::Exclamation);
     }
-    if (status == QLatin1String("Red")) {
+    if (grade == Grade::Red) {
         if (model.items.count() < 2) {
             return explanation(model,
                                QStringLiteral("Status: Red\r\rThis status indicates that your list "

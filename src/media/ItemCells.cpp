@@ -9,6 +9,7 @@
 #include "media/CellNames.h"
 #include "media/ID3Reader.h"
 #include "media/Id3v2TagCells.h"
+#include "media/ListType.h"
 #include "media/MediaInfoFile.h"
 #include "platform/FileHelpers.h"
 
@@ -171,7 +172,7 @@ ItemCellTexts ItemCells(const QString& path, const QString& listType) {
 }
 
 ItemReading ReadItem(const QString& path, const QString& listType) {
-    const bool mp3 = listType == QLatin1String("MP3");
+    const bool mp3 = ListTypeOf(listType) == ListType::Mp3;
     ItemReading reading;
     ItemCellTexts& cells = reading.cells;
     cells.resize(mp3 ? int{Mp3Cell::Count} : int{MpegCell::Count});

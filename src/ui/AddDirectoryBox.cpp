@@ -15,6 +15,7 @@
 #include "list/MainModel.h"
 #include "platform/Drives.h"
 #include "platform/FileHelpers.h"
+#include "ui/NaturalSortProxy.h"
 #include "ui/ProgramLook.h"
 #include "ui/Twips.h"
 
@@ -62,10 +63,13 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
     folders_ = new QFileSystemModel(this);
     folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot);
     folders_->setReadOnly(true);
+    shownFolders_ = new NaturalSortProxy(this);
+    shownFolders_->setSourceModel(folders_);
+    shownFolders_->sort(0);
     dirBox_ = new QTreeView(this);
     dirBox_->setObjectName(QStringLiteral("DirBox"));
     dirBox_->setGeometry(Twips::rect(120, 840, 4440, 2400));
-    dirBox_->setModel(folders_);
+    dirBox_->setModel(shownFolders_);
     dirBox_->setHeaderHidden(true);
     for (int column = 1; column < folders_->columnCount(); ++column) {
         dirBox_->hideColumn(column);
@@ -88,7 +92,7 @@ AddDirectoryBox::AddDirectoryBox(MainModel& model, QWidget* parent)
                 if (syncingTree_ || !current.isValid()) {
                     return;
                 }
-                setDirPath(folders_->filePath(current));
+                setDirPath(folders_->filePath(shownFolders_->mapToSource(current)));
             });
 
     chkAddSubFolders_ = new QCheckBox(QStringLiteral("Also add subfolders to my list"), this);
@@ -179,10 +183,10 @@ void AddDirectoryBox::showPathInTree() {
     if (folders_->rootPath() != root) {
         folders_->setRootPath(root);
     }
-    if (dirBox_->rootIndex() != folders_->index(root)) {
-        dirBox_->setRootIndex(folders_->index(root));
+    if (dirBox_->rootIndex() != shownIndex(root)) {
+        dirBox_->setRootIndex(shownIndex(root));
     }
-    const QModelIndex index = folders_->index(path_);
+    const QModelIndex index = shownIndex(path_);
     if (index.isValid() && path_ != root) {
         for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
             dirBox_->expand(above);
@@ -194,6 +198,10 @@ void AddDirectoryBox::showPathInTree() {
         dirBox_->clearSelection();
     }
     syncingTree_ = false;
+}
+
+QModelIndex AddDirectoryBox::shownIndex(const QString& path) const {
+    return shownFolders_->mapFromSource(folders_->index(path));
 }
 
 void AddDirectoryBox::confirm() {

@@ -10,6 +10,7 @@ class QFileSystemModel;
 class QLabel;
 class QPushButton;
 class QTreeView;
+class NaturalSortProxy;
 struct MainModel;
 
 // The Add Directory window: a drive list (the mounted file systems), a folder
@@ -44,12 +45,16 @@ public:
 private:
     void onDriveChanged(int index);
     void showPathInTree();
+    // The index of a folder in DirBox.
+    QModelIndex shownIndex(const QString& path) const;
 
     MainModel& model_;
     QLabel* lblInfo_ = nullptr;
     QComboBox* driveBox_ = nullptr;
     QTreeView* dirBox_ = nullptr;
     QFileSystemModel* folders_ = nullptr;
+    // The folders as DirBox shows them: in natural order.
+    NaturalSortProxy* shownFolders_ = nullptr;
     QCheckBox* chkAddSubFolders_ = nullptr;
     QPushButton* cmdOk_ = nullptr;
     QPushButton* cmdCancel_ = nullptr;

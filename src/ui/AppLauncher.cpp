@@ -10,6 +10,7 @@
 #include "app/AppPaths.h"
 #include "app/Settings.h"
 #include "app/Startup.h"
+#include "media/ListType.h"
 #include "platform/RunCommand.h"
 #include "platform/Shell.h"
 #include "ui/MainWindow.h"
@@ -98,7 +99,7 @@ bool AppLauncher::openListFile() {
     // List dialog makes it, so that a file of no known type still shows the
     // shared columns, as after File, Open List.
     RunCommand(commands.newItemList,
-               Settings::NewListTypeIsMpeg() ? QStringLiteral("MPEG") : QStringLiteral("MP3"));
+               ListTypeText(Settings::NewListTypeIsMpeg() ? ListType::Mpeg : ListType::Mp3));
     return commands.openListFile && commands.openListFile(listFile_);
 }
 

@@ -126,7 +126,7 @@ void ID3Tag::showEvent(QShowEvent* event) {
 }
 
 bool ID3Tag::Activate() {
-    if (model_.state.listType() == QLatin1String("MPEG")) {
+    if (model_.state.type() == ListType::Mpeg) {
         model_.questions.msgBox(QStringLiteral("Cannot set an ID3 Tag on MPEG Files."),
                                 Msg::OkOnly + Msg::Exclamation);
         return false;

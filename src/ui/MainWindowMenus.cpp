@@ -169,7 +169,7 @@ void MainWindow::fileMenuRule() {
 void MainWindow::editMenuRules() {
     const bool hasRows = model_.items.count() >= 1;
     actions_.value(QStringLiteral("RemoveItemsRemoveWizard"))->setEnabled(hasRows);
-    if (hasRows && model_.state.listType() == QLatin1String("MP3")) {
+    if (hasRows && model_.state.type() == ListType::Mp3) {
         actions_.value(QStringLiteral("RemoveSpecialOnlyKeepBitrateItems"))
             ->setText(QStringLiteral("&Only Keep [") +
                       model_.items.cell(selectedIndex(), Mp3Cell::Bitrate) +

@@ -9,6 +9,7 @@
 #include <QRadioButton>
 
 #include "app/WindowSettings.h"
+#include "media/ListType.h"
 #include "ui/Pictures.h"
 #include "ui/ProgramLook.h"
 #include "ui/Twips.h"
@@ -78,11 +79,11 @@ NewListWindow::NewListWindow(QWidget* parent) : QDialog(parent) {
     info->setObjectName(QStringLiteral("InfoLabel1"));
     info->setGeometry(Twips::rect(240, 1080, 4920, 240));
 
-    optionMP3_ = new QRadioButton(QStringLiteral("MP3"), this);
+    optionMP3_ = new QRadioButton(ListTypeText(ListType::Mp3), this);
     optionMP3_->setObjectName(QStringLiteral("OptionMP3"));
     optionMP3_->setGeometry(Twips::rect(600, 1440, 1800, 300));
     optionMP3_->setChecked(true);
-    optionMPEG_ = new QRadioButton(QStringLiteral("MPEG"), this);
+    optionMPEG_ = new QRadioButton(ListTypeText(ListType::Mpeg), this);
     optionMPEG_->setObjectName(QStringLiteral("OptionMPEG"));
     optionMPEG_->setGeometry(Twips::rect(600, 1800, 1800, 300));
     auto* group = new QButtonGroup(this);
@@ -151,7 +152,7 @@ void NewListWindow::run() {
 void NewListWindow::createNewList() {
     NewListAtStartup = 0;
     if (createList) {
-        createList(optionMP3_->isChecked() ? QStringLiteral("MP3") : QStringLiteral("MPEG"));
+        createList(ListTypeText(optionMP3_->isChecked() ? ListType::Mp3 : ListType::Mpeg));
     }
     close();
     if (skipped_) {

@@ -74,12 +74,12 @@ PreferencesWindow::PreferencesWindow(MainModel& model, QWidget* parent)
     label1->setObjectName(QStringLiteral("Label1"));
     label1->setGeometry(Twips::rect(240, 1080, 1700, 300));
 
-    typeMp3_ = new QRadioButton(QStringLiteral("MP3"), newListFrame_);
+    typeMp3_ = new QRadioButton(ListTypeText(ListType::Mp3), newListFrame_);
     typeMp3_->setObjectName(QStringLiteral("DefaultListTypeMP3"));
     typeMp3_->setGeometry(Twips::rect(2040, 1080, 1000, 300));
     typeMp3_->setChecked(true);
 
-    typeMpeg_ = new QRadioButton(QStringLiteral("MPEG"), newListFrame_);
+    typeMpeg_ = new QRadioButton(ListTypeText(ListType::Mpeg), newListFrame_);
     typeMpeg_->setObjectName(QStringLiteral("DefaultListTypeMPEG"));
     typeMpeg_->setGeometry(Twips::rect(3120, 1080, 1100, 300));
 

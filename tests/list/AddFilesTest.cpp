@@ -223,6 +223,27 @@ TEST(FolderFileNames, MatchesWithoutCaseSortsWithoutCaseLeavesHiddenOut) {
     EXPECT_EQ(FolderFileNames(dir.path(), "*.mp3"), QStringList({"A.MP3", "b.mp3", "C.Mp3"}));
 }
 
+TEST(FolderFileNames, NumberedNames_AreInNaturalOrder) {
+    QTemporaryDir dir;
+    const QStringList natural = {"1.mp3",           "2.mp3",       "9.mp3",
+                                 "10.mp3",          "12.mp3",      "Disc 1 - 9.mp3",
+                                 "Disc 1 - 10.mp3", "Track 2.mp3", "track 10.mp3"};
+    for (const QString& name : natural) {
+        touch(dir.filePath(name));
+    }
+    EXPECT_EQ(FolderFileNames(dir.path(), "*.mp3"), natural);
+}
+
+TEST(SubFolderPaths, NumberedFolders_AreInNaturalOrder) {
+    QTemporaryDir dir;
+    for (const char* n : {"Disc 10", "disc 2", "Disc 1"}) {
+        QDir(dir.path()).mkdir(n);
+    }
+    EXPECT_EQ(
+        SubFolderPaths(dir.path()),
+        QStringList({dir.filePath("Disc 1"), dir.filePath("disc 2"), dir.filePath("Disc 10")}));
+}
+
 TEST(FolderFileNames, MpegPatterns_AllSevenExtensions) {
     QTemporaryDir dir;
     for (const char* n :

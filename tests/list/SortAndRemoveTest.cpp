@@ -36,21 +36,53 @@ TEST(SortList, EmptyList_ChangesNothing) {
     EXPECT_EQ(t.model.items.count(), 0);
 }
 
-TEST(SortList, FilesizeAscending_SortsAsText) {
+TEST(SortList, FilesizeAscending_SortsByKilobytes) {
     ListTestModel t;
     t.addMp3("/m/a", "9 KB", "", "");
     t.addMp3("/m/b", "1,024 KB", "", "");
     t.addMp3("/m/c", "20 KB", "", "");
     SortList(t.model, 1, 0);
-    EXPECT_EQ(t.column(1), QStringList({"1,024 KB", "20 KB", "9 KB"}));
+    EXPECT_EQ(t.column(1), QStringList({"9 KB", "20 KB", "1,024 KB"}));
 }
 
-TEST(SortList, DurationAscending_SortsAsText) {
+TEST(SortList, DurationAscending_SortsBySeconds) {
     ListTestModel t;
     t.addMp3("/m/a", "", "20 seconds", "");
     t.addMp3("/m/b", "", "100 seconds", "");
     SortList(t.model, 9, 0);
-    EXPECT_EQ(t.column(9), QStringList({"100 seconds", "20 seconds"}));
+    EXPECT_EQ(t.column(9), QStringList({"20 seconds", "100 seconds"}));
+}
+
+TEST(SortList, EqualValues_KeepTheirOrderInBothDirections) {
+    ListTestModel t;
+    t.addMp3("/m/a", "5 KB", "", "");
+    t.addMp3("/m/b", "1 KB", "", "");
+    t.addMp3("/m/c", "5 KB", "", "");
+    t.addMp3("/m/d", "1 KB", "", "");
+    SortList(t.model, 1, 0);
+    EXPECT_EQ(t.column(0), QStringList({"b", "d", "a", "c"}));
+    SortList(t.model, 1, 1);
+    EXPECT_EQ(t.column(0), QStringList({"a", "c", "b", "d"}));
+}
+
+TEST(SortList, CellsWithoutAValue_ComeFirstAscendingAndLastDescending) {
+    ListTestModel t;
+    t.addMp3("/m/a", "", "61 seconds", "");
+    t.addMp3("/m/b", "", "", "");
+    t.addMp3("/m/c", "", "7 seconds", "");
+    t.addMp3("/m/d", "", "unknown", "");
+    SortList(t.model, 9, 0);
+    EXPECT_EQ(t.column(0), QStringList({"b", "d", "c", "a"}));
+    SortList(t.model, 9, 1);
+    EXPECT_EQ(t.column(0), QStringList({"a", "c", "b", "d"}));
+}
+
+TEST(SortList, ListOfAnUnknownType_SortsItsSharedColumnsByMeaning) {
+    ListTestModel t("WAV");
+    t.addRow({"b", "1,024 KB"});
+    t.addRow({"a", "9 KB"});
+    SortList(t.model, 1, 0);
+    EXPECT_EQ(t.column(0), QStringList({"a", "b"}));
 }
 
 TEST(SortList, Descending_ReversesTheOrder) {

@@ -10,6 +10,10 @@
 #       every section and key of data/DefaultSettings.ini named there;
 #   check_structure.sh platform SOURCE_DIR
 #       nothing under src/platform includes a header of src/app;
+#   check_structure.sh values SOURCE_DIR
+#       no number, date or size read out of a cell or an info-panel caption
+#       outside src/list/CellValues, the one module that reads them, and no
+#       list type written as a literal outside src/media/ListType;
 #   check_structure.sh program SOURCE_DIR PROGRAM [SCENES_PROGRAM]
 #       the program built from the tree holds no screenshot scene code (and
 #       the program built with the scenes shows them to the same look).
@@ -83,6 +87,35 @@ platform)
     grep -rnE '#include\s+"app/' src/platform \
         | report "src/platform includes a header of src/app; pass what it needs from the caller:" ||
         failed=1
+    ;;
+values)
+    # The offending lines are gathered first and handed to report in this
+    # shell, so that its verdict counts. Comment lines are left out.
+    code_only() {
+        grep -vE '^[^:]+:[0-9]+:[[:space:]]*//' || true
+    }
+    # A unit cut off a text, a cell or a caption turned into a number or a
+    # time, or the cell number reader called.
+    unit='" (KB|seconds|kbps)"|" \((Mono|Stereo)\)"'
+    text='\b(cell|cellView|[A-Za-z]*[Cc]aption)\b'
+    number='\.to(Double|Float|U?Int|U?Long|U?LongLong|U?Short|DateTime|Date|Time)\('
+    parsed=$(sources | grep -vE '^src/list/CellValues\.(h|cpp)$' | xargs grep -HnE \
+        -e "\.(remove|replace|chop|chopped|endsWith|indexOf|split|section)\(.*(${unit})" \
+        -e "${text}.*${number}" \
+        -e "${number}.*${text}" \
+        -e "\b(QTime|QDate|QDateTime)::fromString\(.*${text}" \
+        -e '\bParseCellNumber\(' | code_only)
+    report "A value read out of a list text; read it through src/list/CellValues:" <<EOF
+$parsed
+EOF
+    # The list type's texts. The settings module keeps the default type as
+    # its own text below the list, and the MPEG audio codec's name begins
+    # with the same word.
+    literal=$(sources | grep -vE '^src/(media/ListType|app/Settings|media/JoinTraits)\.cpp$' \
+        | xargs grep -HnE '"(MP3|MPEG)"' | code_only)
+    report "A list type written as a literal; use ListType (src/media/ListType.h):" <<EOF
+$literal
+EOF
     ;;
 program)
     program=$3
