@@ -123,9 +123,12 @@ Mp3HeaderFrame Mp3HeaderFrame::read(const std::uint8_t* frame, std::size_t lengt
     return found;
 }
 
+int HeaderFrameLeastLength(const MpegFrameHeader& header) {
+    return xingOffset(header.withField(16, 1, 1)) + kXingHeaderBytes + kLameExtensionBytes;
+}
+
 int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps) {
-    const int needed =
-        xingOffset(header.withField(16, 1, 1)) + kXingHeaderBytes + kLameExtensionBytes;
+    const int needed = HeaderFrameLeastLength(header);
     int fallback = 0;
     for (int index = 1; index < 15; ++index) {
         const MpegFrameHeader candidate = header.withField(17, 4, static_cast<std::uint32_t>(index))
@@ -144,9 +147,8 @@ int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps) {
     return fallback;
 }
 
-void WriteHeaderFrame(const MpegFrameHeader& header, const Mp3HeaderFrameContent& content,
-                      std::uint8_t* frame) {
-    const int length = header.frameLength();
+void WriteHeaderFrame(const MpegFrameHeader& header, int length,
+                      const Mp3HeaderFrameContent& content, std::uint8_t* frame) {
     std::memset(frame, 0, static_cast<std::size_t>(length));
     const auto headerBytes = header.bytes();
     std::memcpy(frame, headerBytes.data(), 4);
