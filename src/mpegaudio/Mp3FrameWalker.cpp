@@ -113,7 +113,8 @@ bool Mp3FrameWalker::tagAt(std::size_t offset) const {
 // From the frame of the given length at offset on, the next frames of its
 // stream follow one another (more of them), or the stream ends at a tag or
 // the end with fewer between. A free-format frame behind it has the given
-// length without padding; where that is unknown (0), its header is enough.
+// length without padding; where that is unknown (0), its length must be
+// found, which takes frames of its own behind it.
 bool Mp3FrameWalker::streamGoesOn(std::size_t offset, const MpegFrameHeader& header, int length,
                                   int unpadded, int more) const {
     std::size_t next = offset + static_cast<std::size_t>(length);
@@ -129,7 +130,7 @@ bool Mp3FrameWalker::streamGoesOn(std::size_t offset, const MpegFrameHeader& hea
             return false;
         }
         if (following.isFreeFormat() && unpadded == 0) {
-            return true;
+            return freeFormatLengthAt(next, following) > 0;
         }
         next +=
             static_cast<std::size_t>(following.isFreeFormat() ? following.freeFormatLength(unpadded)

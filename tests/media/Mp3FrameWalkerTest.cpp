@@ -286,3 +286,13 @@ TEST(Mp3FrameWalker, FreeFormatFrameWhoseLengthCannotBeFound_IsJunk) {
     walked = walk(freeFrames(kMpeg1, 2200, 6));
     EXPECT_EQ(count(walked, Item::Audio), 0);
 }
+
+TEST(Mp3FrameWalker, JunkFrameFollowedByALoneFreeFormatHeader_IsNotTaken) {
+    // A frame header in junk, and at its length a free-format header that no
+    // frames follow: two headers are no stream.
+    const QByteArray stream =
+        QByteArray("xx") + frame(kMpeg1) + freeFrame(kMpeg1, 653) + QByteArray(3000, 'x');
+    const Walked walked = walk(stream);
+    EXPECT_EQ(count(walked, Item::Audio), 0);
+    EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(stream.size()));
+}
