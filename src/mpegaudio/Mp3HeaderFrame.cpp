@@ -9,6 +9,12 @@ constexpr std::uint32_t kBytesFlag = 2;
 constexpr std::uint32_t kTocFlag = 4;
 constexpr std::uint32_t kQualityFlag = 8;
 constexpr int kVbriOffset = 4 + 32;
+// The LAME extension's byte behind the encoder's name: the tag's revision and,
+// in its low half, the encoder's bit-rate method.
+constexpr int kLameMethodByte = 9;
+constexpr std::uint8_t kMethodUnknown = 0;
+constexpr std::uint8_t kMethodConstant = 1;
+constexpr std::uint8_t kMethodConstantTwoPasses = 8;
 
 std::uint32_t bigEndian32(const std::uint8_t* p) {
     return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) |
@@ -164,6 +170,13 @@ void WriteHeaderFrame(const MpegFrameHeader& header, int length,
     }
     std::uint8_t* lame = frame + at + kXingHeaderBytes;
     std::memcpy(lame, content.lame.data(), kLameExtensionBytes);
+    // A constant bit rate is false of a stream whose frames have more than one
+    // (a joined file of several rates, free format among them), and readers
+    // that trust it take the length from the size and the first frame's rate.
+    const std::uint8_t method = lame[kLameMethodByte] & 0x0F;
+    if (!content.info && (method == kMethodConstant || method == kMethodConstantTwoPasses)) {
+        lame[kLameMethodByte] = (lame[kLameMethodByte] & 0xF0) | kMethodUnknown;
+    }
     lame[21] = static_cast<std::uint8_t>(content.delay >> 4);
     lame[22] = static_cast<std::uint8_t>(((content.delay & 0x0F) << 4) | (content.padding >> 8));
     lame[23] = static_cast<std::uint8_t>(content.padding & 0xFF);

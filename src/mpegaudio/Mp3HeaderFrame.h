@@ -66,6 +66,8 @@ int HeaderFrameLeastLength(const MpegFrameHeader& header);
 // Writes a whole header frame of the given header (its bit rate chosen with
 // HeaderFrameBitrateIndex) into frame, which has length bytes: the header's
 // frame length, or for a free-format header the length of its stream's frames.
+// The LAME extension is the given one with the joined stream's values; in a
+// "Xing" frame its bit-rate method never says constant.
 void WriteHeaderFrame(const MpegFrameHeader& header, int length,
                       const Mp3HeaderFrameContent& content, std::uint8_t* frame);
 

@@ -296,3 +296,23 @@ TEST(Mp3FrameWalker, JunkFrameFollowedByALoneFreeFormatHeader_IsNotTaken) {
     EXPECT_EQ(count(walked, Item::Audio), 0);
     EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(stream.size()));
 }
+
+TEST(Mp3HeaderFrame, SeveralRates_LameMethodNeverSaysConstant) {
+    const MpegFrameHeader header = headerOf(QByteArray("\xFF\xFB\x90\x64", 4));
+    Mp3HeaderFrameContent content;
+    content.withLame = true;
+    std::memcpy(content.lame.data(), "LAME3.100", 9);
+    content.lame[9] = 0x21;  // revision 2, constant bit rate
+    std::vector<std::uint8_t> frame(static_cast<std::size_t>(header.frameLength()));
+    const auto methodWritten = [&](bool oneRate) {
+        content.info = oneRate;
+        WriteHeaderFrame(header, header.frameLength(), content, frame.data());
+        const Mp3HeaderFrame read = Mp3HeaderFrame::read(frame.data(), frame.size(), header);
+        EXPECT_TRUE(read.hasLame);
+        return read.lame[9];
+    };
+    EXPECT_EQ(methodWritten(true), 0x21);
+    EXPECT_EQ(methodWritten(false), 0x20);  // revision kept, method unknown
+    content.lame[9] = 0x24;                 // a variable rate stays as it is
+    EXPECT_EQ(methodWritten(false), 0x24);
+}
