@@ -14,7 +14,7 @@ BUILD_DIR=${VELMORA_BUILD_DIR:-$ROOT/build}
 
 PACKAGES="cmake ninja-build g++ pkg-config ccache clang libclang-rt-14-dev
 qt6-base-dev qt6-svg-dev qt6-qpa-plugins libmediainfo-dev mediainfo libtag1-dev python3-mutagen mpg123
-ffmpeg mpgtx
+ffmpeg mpgtx lame
 libgtest-dev libgmock-dev libbenchmark-dev
 xvfb xauth openbox fonts-dejavu-core clang-format
 dpkg-dev debhelper fakeroot lintian desktop-file-utils appstream xdotool x11-utils

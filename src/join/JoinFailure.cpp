@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "join/JoinScripts.h"
 #include "list/Columns.h"
@@ -39,14 +40,84 @@ bool readablePlainFile(const QString& path) {
     return info.isFile() && info.isReadable();
 }
 
-QString reasonOf(int status, const QString& errorText) {
-    if (status < kFirstStatusOfItsOwn) {
-        const QString reason = ReasonInErrorText(errorText);
-        if (!reason.isEmpty()) {
-            return reason;
-        }
+QString reasonOf(int status, const ErrorInText& error) {
+    if (status < kFirstStatusOfItsOwn && !error.reason.isEmpty()) {
+        return error.reason;
     }
     return ExitStatusReason(status);
+}
+
+// The files a step of the join may name in its error text: the items,
+// TempFile and OutputFile.
+QStringList joinFiles(const MainModel& model) {
+    QStringList files;
+    for (int position = 1; position <= model.items.count(); ++position) {
+        files << model.items.cell(position, SharedCell::Filepath);
+    }
+    return files << TempFilePath(model) << OutputFilePath(model);
+}
+
+// Where the known files stand in a line: [start, end) spans that do not
+// overlap, the longer file first where two would.
+struct FileSpan {
+    qsizetype start = 0;
+    qsizetype end = 0;
+    QString file;
+};
+
+QList<FileSpan> fileSpans(const QString& line, QStringList files) {
+    std::sort(files.begin(), files.end(),
+              [](const QString& a, const QString& b) { return a.size() > b.size(); });
+    QList<FileSpan> spans;
+    for (const QString& file : files) {
+        if (file.isEmpty()) {
+            continue;
+        }
+        for (qsizetype at = line.indexOf(file); at >= 0; at = line.indexOf(file, at + 1)) {
+            const qsizetype end = at + file.size();
+            const bool free = std::none_of(spans.cbegin(), spans.cend(), [&](const FileSpan& s) {
+                return at < s.end && s.start < end;
+            });
+            if (free) {
+                spans.append({at, end, file});
+            }
+        }
+    }
+    return spans;
+}
+
+// The ": " separators of a line that stand outside the files, each with text
+// behind it.
+QList<qsizetype> separators(const QString& line, const QList<FileSpan>& spans) {
+    QList<qsizetype> found;
+    for (qsizetype at = line.indexOf(QStringLiteral(": ")); at >= 0;
+         at = line.indexOf(QStringLiteral(": "), at + 1)) {
+        const bool inFile = std::any_of(spans.cbegin(), spans.cend(), [at](const FileSpan& s) {
+            return at + 1 >= s.start && at < s.end;
+        });
+        if (!inFile && at + 2 < line.size()) {
+            found.append(at);
+        }
+    }
+    return found;
+}
+
+// The file of a line: the span that a separator follows, right behind it or
+// behind the quote that closes it; the last such span.
+const FileSpan* namedFile(const QString& line, const QList<FileSpan>& spans,
+                          const QList<qsizetype>& separatorsOfLine, qsizetype& separator) {
+    const FileSpan* named = nullptr;
+    for (const FileSpan& span : spans) {
+        qsizetype after = span.end;
+        if (after < line.size() && (line.at(after) == u'\'' || line.at(after) == u'"')) {
+            ++after;
+        }
+        if (separatorsOfLine.contains(after) && (!named || span.start > named->start)) {
+            named = &span;
+            separator = after;
+        }
+    }
+    return named;
 }
 
 QString bytes(qint64 count) {
@@ -101,21 +172,33 @@ std::optional<FailureRecord> ReadFailureRecord() {
     return record;
 }
 
-QString ErrorLineOf(const QString& text) {
+ErrorInText ReadErrorText(const QString& text, const QStringList& knownFiles) {
     const QStringList lines = text.split(QRegularExpression(QStringLiteral("[\r\n]")));
     for (qsizetype i = lines.size() - 1; i >= 0; --i) {
         const QString line = lines.at(i).trimmed();
-        const qsizetype at = line.lastIndexOf(QStringLiteral(": "));
-        if (at >= 0 && at + 2 < line.size()) {
-            return line;
+        const QList<FileSpan> spans = fileSpans(line, knownFiles);
+        const QList<qsizetype> found = separators(line, spans);
+        if (found.isEmpty()) {
+            continue;
         }
+        ErrorInText error;
+        error.line = line;
+        qsizetype separator = found.last();
+        if (const FileSpan* named = namedFile(line, spans, found, separator)) {
+            error.file = named->file;
+        }
+        error.reason = line.mid(separator + 2);
+        return error;
     }
     return {};
 }
 
-QString ReasonInErrorText(const QString& text) {
-    const QString line = ErrorLineOf(text);
-    return line.mid(line.lastIndexOf(QStringLiteral(": ")) + 2);
+QString ErrorLineOf(const QString& text, const QStringList& knownFiles) {
+    return ReadErrorText(text, knownFiles).line;
+}
+
+QString ReasonInErrorText(const QString& text, const QStringList& knownFiles) {
+    return ReadErrorText(text, knownFiles).reason;
 }
 
 QList<qint64> ItemSizesOnDisk(const MainModel& model) {
@@ -138,7 +221,8 @@ std::optional<JoinFailure> CheckJoinedFile(const MainModel& model,
         const QString file = readablePlainFile(item) ? temp : item;
         return JoinFailure{
             JoiningStepName(), file,
-            reasonOf(record->status, readText(AppDataPath(JoinNames::kStepErrorLog)))};
+            reasonOf(record->status, ReadErrorText(readText(AppDataPath(JoinNames::kStepErrorLog)),
+                                                   joinFiles(model)))};
     }
     const QFileInfo joined(temp);
     if (!joined.isFile()) {
@@ -160,17 +244,19 @@ std::optional<JoinFailure> CheckJoinedFile(const MainModel& model,
 std::optional<JoinFailure> CheckFixedFile(const MainModel& model, const QString& toolOutput) {
     const QString output = OutputFilePath(model);
     if (const std::optional<FailureRecord> record = ReadFailureRecord()) {
+        const ErrorInText error = ReadErrorText(toolOutput, joinFiles(model));
         QString file = output;
         if (record->status == 126 || record->status == 127) {
             // The tool itself could not be run.
             file =
                 AppDataPath(FixScriptName(model) == JoinNames::kMp3Script ? JoinNames::kMp3Tool
                                                                           : JoinNames::kMpeg2Tool);
-        } else if (ErrorLineOf(toolOutput).contains(TempFilePath(model))) {
-            // The tool could not read the raw join.
-            file = TempFilePath(model);
+        } else if (!error.file.isEmpty()) {
+            // The file the tool names: the raw join, a source it could not
+            // read, or the output.
+            file = error.file;
         }
-        return JoinFailure{FixingStepName(), file, reasonOf(record->status, toolOutput)};
+        return JoinFailure{FixingStepName(), file, reasonOf(record->status, error)};
     }
     const QFileInfo fixed(output);
     if (!fixed.isFile()) {

@@ -33,13 +33,27 @@ struct FailureRecord {
 };
 std::optional<FailureRecord> ReadFailureRecord();
 
-// The line of a tool's error text that says why: the last line that holds
-// ": " with text behind it. Empty when there is none.
-QString ErrorLineOf(const QString& text);
-// The system's reason in a tool's error text: what stands behind the last
-// ": " of its error line ("cat: write error: No space left on device" gives
-// "No space left on device"). Empty when there is no error line.
-QString ReasonInErrorText(const QString& text);
+// A tool's error text taken apart. Tools write "tool: file: reason", with the
+// file quoted or not; a path may hold any character but "/" and NUL, ": "
+// included, so the known files of the join are found whole in the text and
+// no ": " inside them is taken for a separator.
+//  - line: the last line that holds ": " outside the known files with text
+//    behind it, trimmed; empty when there is none;
+//  - file: the known file that the line names right before a ": " (the last
+//    one that does), as it is known; empty when the line names none;
+//  - reason: what stands behind the ": " after that file, or, where the line
+//    names none, behind its last ": " ("cat: write error: No space left on
+//    device" gives "No space left on device").
+struct ErrorInText {
+    QString line;
+    QString file;
+    QString reason;
+};
+ErrorInText ReadErrorText(const QString& text, const QStringList& knownFiles);
+
+// The line and the reason of ReadErrorText.
+QString ErrorLineOf(const QString& text, const QStringList& knownFiles = {});
+QString ReasonInErrorText(const QString& text, const QStringList& knownFiles = {});
 
 // The size of each item's file as it is now, in list order; -1 for an item
 // whose file is no plain file.
@@ -51,9 +65,10 @@ QList<qint64> ItemSizesOnDisk(const MainModel& model);
 // whole.
 std::optional<JoinFailure> CheckJoinedFile(const MainModel& model, const QList<qint64>& startSizes);
 
-// After the fix script has ended: a failed fix tool (by the record; the
-// reason from the tool's own output), or an OutputFile that is missing or
-// empty. Nothing when OutputFile is there.
+// After the fix script has ended: a failed fix tool (by the record; the file
+// and the reason from the tool's own output: a source it could not read,
+// TempFile or OutputFile), or an OutputFile that is missing or empty. Nothing
+// when OutputFile is there.
 std::optional<JoinFailure> CheckFixedFile(const MainModel& model, const QString& toolOutput);
 
 // After a JoinOperation 2 without a fix, in which TempFile was to take the

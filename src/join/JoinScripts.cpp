@@ -78,19 +78,16 @@ void writeScript(const QString& path, const QStringList& lines, const ScriptDial
 }
 
 // The sources file of an MP3 join: each item's length as it is now and its
-// file name, in list order.
+// path, in list order.
 void writeMp3Sources(const MainModel& model) {
     const QString path = AppDataPath(JoinNames::kMp3Sources);
     QFile::remove(path);
-    if (!Settings::JoinWritesTagsAndChapters()) {
-        return;
-    }
     std::vector<JoinSource> sources;
     for (int position = 1; position <= model.items.count(); ++position) {
         const QString item = model.items.cell(position, SharedCell::Filepath);
         const QFileInfo info(item);
-        sources.push_back({static_cast<std::uint64_t>(info.isFile() ? info.size() : 0),
-                           GetFileNameFromPath(item).toStdString()});
+        sources.push_back(
+            {static_cast<std::uint64_t>(info.isFile() ? info.size() : 0), item.toStdString()});
     }
     QFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
@@ -245,6 +242,7 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         fix.fixTool = d.childPath(appData, kMp3Tool);
         fix.tempFile = tempFile;
         fix.outputFile = output;
+        fix.tag = Settings::JoinWritesTagsAndChapters();
         fix.check = check;
         lines = head;
         lines << d.echoLine(QStringLiteral("Fixing MP3 File..."));

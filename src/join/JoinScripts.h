@@ -35,7 +35,8 @@ inline const QString kMpeg2Tool = QStringLiteral("MPEG2.exe");
 inline const QString kMp3Library = QStringLiteral("mingwm10.dll");
 inline const QString kMpeg2Library = QStringLiteral("pthreadGC2.dll");
 // The sources of an MP3 join for the fix tool, beside its copy: where each
-// source lies in TempFile and its name, for the tag and chapters of the output.
+// source lies in TempFile and its path, so that the tool can name a source it
+// cannot read, and for the tag and chapters of the output.
 inline const QString kMp3Sources = QStringLiteral("JoinSources.txt");
 // What a step of a script that failed leaves for the run: its exit status and
 // number, and its error output.
@@ -76,9 +77,10 @@ QString AppDataPath(const QString& name);
 const ScriptDialect& PlatformDialect();
 
 // Writes the JoinScripts for the list into AppDataFolder and copies the tools
-// that the JoinCase needs from InstallFolder. For an MP3 list with tags and
-// chapters on (Preferences) it also writes the sources file for the fix tool;
-// otherwise it removes one left by an earlier join. outputFile comes in as OutputFile
+// that the JoinCase needs from InstallFolder. For an MP3 list it also writes
+// the sources file for the fix tool (in place of one left by an earlier
+// join), and the fix line asks for no tag when tags and chapters are off
+// (Preferences). outputFile comes in as OutputFile
 // and leaves as TempFile. Failures are passed over: what lies on disk decides
 // what the run does. Logs "TempFile=", "1BAT=" and "2BAT=" records when the
 // debug log is on, each showing the line as written in the dialect.

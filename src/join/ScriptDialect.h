@@ -28,6 +28,7 @@ public:
         QString fixTool;     // the MP3 fixer
         QString tempFile;
         QString outputFile;
+        bool tag = true;  // the output gets the album's tag and chapters
         StepCheck check;  // for the fix tool's step
     };
 

@@ -58,12 +58,14 @@ QString ShDialect::mpegJoinLine(const QString& tool, const QStringList& items,
 }
 
 // One step: the project's own fix tool reads the raw join and writes the
-// output in one pass, with only the audio frames behind one right header.
+// output in one pass, with only the audio frames behind one right header
+// (and the album's tag unless it is off).
 QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
     QStringList lines = stopIfGoneLines(fix.scriptPath);
-    lines << checkedStep(
-        quote(fix.fixTool) + u' ' + quote(fix.tempFile) + u' ' + quote(fix.outputFile) + kNoInput,
-        fix.check);
+    const QString options = fix.tag ? QString() : QStringLiteral(" --no-tag");
+    lines << checkedStep(quote(fix.fixTool) + options + u' ' + quote(fix.tempFile) + u' ' +
+                             quote(fix.outputFile) + kNoInput,
+                         fix.check);
     return lines;
 }
 

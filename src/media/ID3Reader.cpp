@@ -1,5 +1,7 @@
 #include "media/ID3Reader.h"
 
+#include "mpegaudio/Mp3ByteSources.h"
+#include "mpegaudio/Mp3StreamFacts.h"
 #include "mpegaudio/MpegFrameHeader.h"
 
 #include <QFile>
@@ -22,8 +24,12 @@ constexpr std::uint8_t kOtherGenre = 12;
 
 // The sync search looks at positions 1 to 6000; the Xing count lies up to 47
 // bytes behind the header, so the first 6047 bytes hold all the header needs.
+// A free-format header needs the frames behind it too, to measure their
+// length: five of the longest MPEG-1 free-format frames (a header frame and
+// the four frames that the measure looks at).
 constexpr int kLastSyncPosition = 6000;
 constexpr int kHeadBytes = kLastSyncPosition + 47;
+constexpr int kFreeFormatBytes = 5 * 2881;
 
 const std::array<const char*, 148> kGenres = {
     "Blues",
@@ -242,6 +248,7 @@ void ID3Reader::ClearFields() {
     mpegVersion_ = 0;
     layerVersion_ = 0;
     kbits_ = 0;
+    freeFormat_ = false;
     frames_ = 0;
     hz_ = 0;
     channels_ = 0;
@@ -283,7 +290,7 @@ void ID3Reader::ReadFromFile() {
     qint64 length = 0;
     if (file.open(QIODevice::ReadOnly)) {
         length = file.size();
-        head = file.read(kHeadBytes);
+        head = file.read(kHeadBytes + kFreeFormatBytes);
         if (length >= kTagSize && file.seek(length - kTagSize)) {
             ReadTag(file.read(kTagSize));
         }
@@ -425,6 +432,18 @@ void ID3Reader::ReadMpegHeader(const QByteArray& head, qint64 length) {
     if (header.bitrateIndex() < 15) {
         kbits_ = static_cast<std::int16_t>(header.bitrateKbps());
     }
+    // Free format: the rate that the length of the stream's frames makes,
+    // where the frames behind the header show it.
+    freeFormat_ = known == 32 && header.isFreeFormat();
+    if (freeFormat_) {
+        const QByteArray frames = head.mid(syncPosition - 1);
+        Mp3MemorySource source(reinterpret_cast<const std::uint8_t*>(frames.constData()),
+                               static_cast<std::size_t>(frames.size()));
+        const Mp3StreamFacts facts = ReadMp3StreamFacts(source, 1);
+        if (facts.freeFormat() && facts.first.sameStreamAs(header)) {
+            kbits_ = static_cast<std::int16_t>(facts.kbps());
+        }
+    }
 
     // 10. The yes-or-no flags, each from its one digit; a missing digit
     // leaves the flag empty.
@@ -460,7 +479,8 @@ void ID3Reader::ReadMpegHeader(const QByteArray& head, qint64 length) {
         QStringLiteral("Size: ") + QString::number(fileBytes_) + QStringLiteral(" bytes") + crlf +
         QStringLiteral("Length: ") + QString::number(seconds_) + QStringLiteral(" seconds") + crlf +
         QStringLiteral("MPEG ") + version + QStringLiteral(" layer ") +
-        QString::number(layerVersion_) + crlf + QString::number(kbits_) + QStringLiteral("kbit, ") +
+        QString::number(layerVersion_) + crlf + QString::number(kbits_) + QStringLiteral("kbit") +
+        (freeFormat_ ? QStringLiteral(" free format, ") : QStringLiteral(", ")) +
         QString::number(frames_) + QStringLiteral(" frames") + crlf + QString::number(hz_) +
         QStringLiteral("hz ") + mode_ + crlf + QStringLiteral("Private: ") + privateBit_ + crlf +
         QStringLiteral("CRCs: ") + crcs_ + crlf + QStringLiteral("Copyrighted: ") + copyrighted_ +

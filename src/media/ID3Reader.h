@@ -12,11 +12,16 @@
 // then read the results. The analysis is narrow on purpose:
 //  - only the byte pairs 0xFF 0xFA and 0xFF 0xFB starting at positions 1 to
 //    6000 count as a frame header (MPEG-1 Layer III), and the first one wins;
-//  - nothing after that header is checked, and ID3v2 tags are not skipped;
+//  - nothing after that header is checked (but for a free-format header,
+//    below), and ID3v2 tags are not skipped;
 //  - the Xing frame count is looked for at one offset only (36 bytes behind
 //    the header, right for MPEG-1 stereo frames), flags unread;
 //  - the length in seconds comes from the file size and the first frame's
 //    bit rate, VBR files included.
+// A free-format header (bit-rate index 0) is the one place where the frames
+// behind it are looked at: the rate is the one their length makes, when the
+// first bytes of the file hold enough of them, and the report says "free
+// format" behind the rate.
 // Nothing is ever reported: a file that is no MPEG audio shows in the values
 // (Hz 0, Kbits 0 or 1, an empty InfoString).
 //
@@ -33,6 +38,7 @@ public:
     std::int16_t MpegVersion() const { return mpegVersion_; }    // 1, 2, 25 (2.5) or 0
     std::int16_t LayerVersion() const { return layerVersion_; }  // 1, 2, 3 or 0
     std::int16_t Kbits() const { return kbits_; }                // 1 marks the reserved layer
+    bool FreeFormat() const { return freeFormat_; }              // bit-rate index 0
     std::int32_t Frames() const { return frames_; }
     std::int32_t Hz() const { return hz_; }
     QString Mode() const { return mode_; }
@@ -109,6 +115,7 @@ private:
     std::int16_t mpegVersion_ = 0;
     std::int16_t layerVersion_ = 0;
     std::int16_t kbits_ = 0;
+    bool freeFormat_ = false;
     std::int32_t frames_ = 0;
     std::int32_t hz_ = 0;
     QString mode_;

@@ -1,5 +1,6 @@
 #include "media/ItemCells.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 #include <cmath>
@@ -11,6 +12,7 @@
 #include "media/Id3v2TagCells.h"
 #include "media/ListType.h"
 #include "media/MediaInfoFile.h"
+#include "mpegaudio/Mp3StreamFacts.h"
 #include "platform/FileHelpers.h"
 
 namespace {
@@ -165,7 +167,40 @@ std::shared_ptr<JoinTraits> traitsOf(const MediaInfoFile::Records& records, bool
     return traits;
 }
 
+// The media cells of an MP3 file from its audio frames: its playing time, its
+// bit rate ("free format" for a free-format file) and its sampling rate with
+// the channel text of the library's values.
+void fillFromFrames(const Mp3StreamFacts& facts, ItemCellTexts& cells) {
+    cells[Mp3Cell::Duration] =
+        DurationCellFromPlayTime(QString::number(std::trunc(facts.seconds * 1000.0), 'f', 0));
+    cells[Mp3Cell::Bitrate] = facts.freeFormat()
+                                  ? FreeFormatBitrateText()
+                                  : BitrateCell(QString::number(facts.kbps() * 1000));
+    cells[Mp3Cell::Hertz] = HertzCell(QString::number(facts.first.sampleRateHz()),
+                                      QString::number(facts.first.channels()));
+}
+
+// The traits of an MP3 file from its audio frames, in the library's words.
+std::shared_ptr<JoinTraits> traitsOfFrames(const Mp3StreamFacts& facts, JoinTraits::Access access,
+                                           const MediaInfoFile::Records& records) {
+    auto traits = traitsOf(records, true, access);
+    AudioTraits audio;
+    audio.format = QStringLiteral("MPEG Audio");
+    const int version = facts.first.mpegVersion();
+    audio.version = version == 25 ? QStringLiteral("Version 2.5")
+                                  : QStringLiteral("Version ") + QString::number(version);
+    audio.layer = QStringLiteral("Layer ") + QString::number(facts.first.layer());
+    audio.rate = facts.first.sampleRateHz();
+    audio.channels = facts.first.channels();
+    traits->audio = {audio};
+    return traits;
+}
+
 }  // namespace
+
+QString FreeFormatBitrateText() {
+    return QStringLiteral("free format");
+}
 
 ItemCellTexts ItemCells(const QString& path, const QString& listType) {
     return ReadItem(path, listType).cells;
@@ -213,6 +248,17 @@ ItemReading ReadItem(const QString& path, const QString& listType) {
     const QList<QStringList> general = records.value(kGeneral);
     const QList<QStringList> audio = records.value(kAudio);
     const QList<QStringList> video = records.value(kVideo);
+    if (mp3 && audio.isEmpty()) {
+        // The library sees no audio (it does not read free-format MPEG audio):
+        // the cells and traits of what the fix tool joins, where that is
+        // more than nothing.
+        const Mp3StreamFacts facts = ReadMp3FileFacts(QFile::encodeName(path).toStdString());
+        if (facts.hasAudio) {
+            fillFromFrames(facts, cells);
+            reading.traits = traitsOfFrames(facts, accessOf(info, isThere), records);
+            return reading;
+        }
+    }
     if (mp3) {
         cells[Mp3Cell::Duration] = DurationCellFromPlayTime(JoinedField(general, PlayTime));
         cells[Mp3Cell::Bitrate] = BitrateCell(JoinedField(audio, BitRate));

@@ -37,6 +37,13 @@ QString FileSizeText(qint64 bytes);
 // The date cell: the default locale's short date and time.
 QString FileDateText(const QDateTime& modified);
 
+// An MP3 file whose audio the media library does not see (a free-format
+// file) gets the cells and join traits of the audio frames that the fix tool
+// joins: its Duration from their playing time, its Bitrate "free format" (or
+// the frames' rate from the tables, in the library's form), its Hertz from
+// the frames' rate and channel count as from the library's values.
+QString FreeFormatBitrateText();
+
 // The cells made of the media library's values, each from its raw text.
 // MP3 list: Duration ("61 seconds"; no value for a text that isn't a number),
 // Bitrate (the first three characters + " kbps"), Hertz (the rate, then

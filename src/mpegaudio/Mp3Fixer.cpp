@@ -14,9 +14,11 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
 
 #include "mpegaudio/JoinSources.h"
 #include "mpegaudio/JoinedTag.h"
+#include "mpegaudio/Mp3ByteSources.h"
 #include "mpegaudio/Mp3FrameWalker.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
 #include "mpegaudio/TagBytes.h"
@@ -28,22 +30,6 @@ constexpr std::size_t kBufferBytes = 1 << 20;
 // The seek table is made from the positions of every step-th frame; when the
 // list is full, every other entry goes and the step doubles.
 constexpr std::size_t kTocSamples = 4096;
-
-class FileSource : public Mp3ByteSource {
-public:
-    explicit FileSource(int fd) : fd_(fd) {}
-    long long read(std::uint8_t* to, std::size_t max) override {
-        for (;;) {
-            const ssize_t got = ::read(fd_, to, max);
-            if (got >= 0 || errno != EINTR) {
-                return got;
-            }
-        }
-    }
-
-private:
-    int fd_;
-};
 
 bool writeAll(int fd, const std::uint8_t* data, std::size_t length) {
     while (length > 0) {
@@ -223,18 +209,36 @@ private:
     std::uint64_t step_ = 1;
 };
 
+// The new header frame: its header and its length.
+struct HeaderFrameShape {
+    MpegFrameHeader header;
+    int length = 0;
+};
+
 // The header of the new header frame: the first audio frame's version, rate
 // and mode, no CRC, no padding, and a bit rate near the stream's that holds
-// the header and its LAME extension.
-MpegFrameHeader headerFrameHeader(const MpegFrameHeader& first, const HeaderFrames& frames) {
+// the header and its LAME extension. A stream that starts in free format gets
+// a free-format header frame of its frames' length, so that a reader that
+// learns the length of the stream's frames from its first frame learns the
+// right one; where that length cannot hold the header, a bit rate near the
+// stream's. firstLength is the length of the first audio frame.
+HeaderFrameShape headerFrameShape(const MpegFrameHeader& first, int firstLength,
+                                  const HeaderFrames& frames) {
+    const MpegFrameHeader plain = first.withField(16, 1, 1).withField(23, 1, 0).withField(27, 2, 0);
     int wanted = first.bitrateKbps();
+    if (first.isFreeFormat()) {
+        const int unpadded = firstLength - first.freeFormatLength(0);
+        if (unpadded >= HeaderFrameLeastLength(plain)) {
+            return {plain, unpadded};
+        }
+        wanted = first.kbpsOfLength(unpadded);
+    }
     if (frames.first && frames.firstFrame.kind == Mp3HeaderFrame::Kind::Xing &&
         frames.firstFrame.hasFrames && frames.firstFrame.hasBytes && frames.firstFrame.frames > 0) {
         const double seconds = static_cast<double>(frames.firstFrame.frames) *
                                first.samplesPerFrame() / first.sampleRateHz();
         wanted = static_cast<int>(frames.firstFrame.bytes * 8.0 / seconds / 1000.0);
     }
-    const MpegFrameHeader plain = first.withField(16, 1, 1).withField(23, 1, 0).withField(27, 2, 0);
     int index = HeaderFrameBitrateIndex(plain, wanted);
     // Snap down to the nearest rate when the rate above is farther away.
     if (index > 1) {
@@ -245,7 +249,18 @@ MpegFrameHeader headerFrameHeader(const MpegFrameHeader& first, const HeaderFram
             --index;
         }
     }
-    return plain.withField(17, 4, static_cast<std::uint32_t>(index));
+    const MpegFrameHeader header = plain.withField(17, 4, static_cast<std::uint32_t>(index));
+    return {header, header.frameLength()};
+}
+
+// True when an audio frame has the bit rate of the header frame: the same
+// rate from the tables, or free format of the same length.
+bool rateOfHeaderFrame(const MpegFrameHeader& frame, int frameLength,
+                       const HeaderFrameShape& shape) {
+    if (frame.bitrateIndex() != shape.header.bitrateIndex() || !frame.sameStreamAs(shape.header)) {
+        return false;
+    }
+    return !frame.isFreeFormat() || frameLength == frame.freeFormatLength(shape.length);
 }
 
 // The walker's buffer: the whole input and one byte more when that is less
@@ -303,6 +318,89 @@ JoinSourceTags readSourceTags(int fd, std::uint64_t start, std::uint64_t length,
     return tags;
 }
 
+// The sources of the raw join as the sources file gives them: where each
+// starts in the input, and its path.
+struct Sources {
+    std::vector<std::uint64_t> starts;
+    std::vector<std::uint64_t> lengths;
+    std::vector<std::string> paths;
+
+    // The source in which offset lies, looked for from guess on.
+    std::size_t at(std::uint64_t offset, std::size_t guess) const {
+        while (guess + 1 < starts.size() && offset >= starts[guess + 1]) {
+            ++guess;
+        }
+        return guess;
+    }
+};
+
+// The sources in sourcesFile, when they are exactly the input's bytes;
+// otherwise nothing, and warning says why.
+std::optional<Sources> readSources(int in, const std::string& sourcesFile, std::string& warning) {
+    struct stat status {};
+    const std::uint64_t inputLength =
+        ::fstat(in, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    std::ifstream file(sourcesFile, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(file)),
+                           std::istreambuf_iterator<char>());
+    std::vector<JoinSource> listed;
+    const bool parsed = ParseJoinSources(text, listed);
+    std::uint64_t total = 0;
+    bool addsUp = true;
+    for (const JoinSource& source : listed) {
+        addsUp = addsUp && total + source.length >= total;
+        total += source.length;
+    }
+    if (!parsed || listed.empty() || !addsUp || total != inputLength) {
+        warning = !parsed || listed.empty()
+                      ? "no chapters: cannot read the sources in " + sourcesFile
+                      : "no chapters: the sources' lengths add up to " + std::to_string(total) +
+                            " bytes, not the " + std::to_string(inputLength) + " of the input";
+        return std::nullopt;
+    }
+    Sources sources;
+    std::uint64_t start = 0;
+    for (const JoinSource& source : listed) {
+        sources.starts.push_back(start);
+        sources.lengths.push_back(source.length);
+        sources.paths.push_back(source.name);
+        start += source.length;
+    }
+    return sources;
+}
+
+// The check that no source goes missing from the output: every source must
+// give at least one audio frame. Told of every item of the walk in order, it
+// names the first source that the walk has passed without an audio frame.
+class SourceAudio {
+public:
+    explicit SourceAudio(const Sources& sources) : sources_(sources) {}
+
+    // An item of the walk at offset. False when it lies behind a source that
+    // gave no audio frame.
+    bool item(std::uint64_t offset, bool audio) {
+        const std::size_t source = sources_.at(offset, current_);
+        for (; current_ < source; ++current_) {
+            if (!audioInCurrent_) {
+                return false;
+            }
+            audioInCurrent_ = false;
+        }
+        audioInCurrent_ = audioInCurrent_ || audio;
+        return true;
+    }
+    // At the end of the walk: false when a source is left without audio.
+    bool end() { return item(UINT64_MAX, false) && audioInCurrent_; }
+    // The source of the last item; after a false answer, the source without
+    // audio frames.
+    const std::string& current() const { return sources_.paths[current_]; }
+
+private:
+    const Sources& sources_;
+    std::size_t current_ = 0;
+    bool audioInCurrent_ = false;
+};
+
 // The joined file's tag and the chapter of each audio frame: each source's
 // first audio frame starts its chapter, on the clock of the frames written.
 class Tagging {
@@ -353,27 +451,14 @@ private:
     double seconds_ = 0;
 };
 
+// The tag of the output: with one chapter per source where the sources are
+// known, else without chapters, from the tag at the input's start.
 std::unique_ptr<Tagging> prepareTagging(int in, const std::string& output,
-                                        const std::string& sourcesFile, std::string& warning) {
-    struct stat status {};
-    const std::uint64_t inputLength =
-        ::fstat(in, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-    std::ifstream file(sourcesFile, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)),
-                           std::istreambuf_iterator<char>());
-    std::vector<JoinSource> sources;
-    const bool parsed = ParseJoinSources(text, sources);
-    std::uint64_t total = 0;
-    bool addsUp = true;
-    for (const JoinSource& source : sources) {
-        addsUp = addsUp && total + source.length >= total;
-        total += source.length;
-    }
-    if (!parsed || sources.empty() || !addsUp || total != inputLength) {
-        warning = !parsed || sources.empty()
-                      ? "no chapters: cannot read the sources in " + sourcesFile
-                      : "no chapters: the sources' lengths add up to " + std::to_string(total) +
-                            " bytes, not the " + std::to_string(inputLength) + " of the input";
+                                        const std::optional<Sources>& sources) {
+    if (!sources) {
+        struct stat status {};
+        const std::uint64_t inputLength =
+            ::fstat(in, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
         auto tagging = std::make_unique<Tagging>(output, false);
         JoinSourceTags first = readSourceTags(in, 0, inputLength, std::string());
         first.id3v1.clear();
@@ -381,41 +466,68 @@ std::unique_ptr<Tagging> prepareTagging(int in, const std::string& output,
         return tagging;
     }
     auto tagging = std::make_unique<Tagging>(output, true);
-    std::uint64_t start = 0;
-    for (const JoinSource& source : sources) {
-        tagging->starts.push_back(start);
-        tagging->tag.addSource(readSourceTags(in, start, source.length, source.name));
-        start += source.length;
+    tagging->starts = sources->starts;
+    for (std::size_t i = 0; i < sources->starts.size(); ++i) {
+        const std::string& path = sources->paths[i];
+        tagging->tag.addSource(readSourceTags(in, sources->starts[i], sources->lengths[i],
+                                              path.substr(path.rfind('/') + 1)));
     }
     return tagging;
+}
+
+// The reason of a failure on a file, as one line: the file, then why.
+std::string failure(const std::string& file, const std::string& why) {
+    return file + ": " + why;
 }
 
 }  // namespace
 
 Status FixFile(const std::string& input, const std::string& output, std::string& error) {
     std::string warning;
-    return FixFile(input, output, std::string(), error, warning);
+    return FixFile(input, output, std::string(), WithTag, error, warning);
 }
 
 Status FixFile(const std::string& input, const std::string& output, const std::string& sourcesFile,
                std::string& error, std::string& warning) {
+    return FixFile(input, output, sourcesFile, WithTag, error, warning);
+}
+
+Status FixFile(const std::string& input, const std::string& output, const std::string& sourcesFile,
+               TagMode tagMode, std::string& error, std::string& warning) {
     const int in = ::open(input.c_str(), O_RDONLY | O_CLOEXEC);
     if (in < 0) {
-        error = "cannot read " + input + ": " + reason();
+        error = failure(input, reason());
         return UnreadableInput;
     }
     struct InputCloser {
         int fd;
         ~InputCloser() { ::close(fd); }
     } closer{in};
+    std::optional<Sources> sources;
+    if (!sourcesFile.empty()) {
+        std::string unread;
+        sources = readSources(in, sourcesFile, unread);
+        if (tagMode == WithTag) {
+            warning = unread;
+        }
+    }
     // The tag's length is known before the first byte is written.
-    const std::unique_ptr<Tagging> tagging =
-        sourcesFile.empty() ? nullptr : prepareTagging(in, output, sourcesFile, warning);
+    const std::unique_ptr<Tagging> tagging = sourcesFile.empty() || tagMode == WithoutTag
+                                                 ? nullptr
+                                                 : prepareTagging(in, output, sources);
     if (tagging) {
         tagging->bytes = tagging->tag.render({}, 0);
     }
     const std::uint64_t tagLength = tagging ? tagging->bytes.size() : 0;
-    FileSource source(in);
+    std::optional<SourceAudio> sourceAudio;
+    if (sources) {
+        sourceAudio.emplace(*sources);
+    }
+    const auto silentSource = [&sourceAudio](std::string& line) {
+        line = failure(sourceAudio->current(), "no MPEG audio Layer III frame could be read in it");
+        return NoAudioFrame;
+    };
+    Mp3FileSource source(in);
     const std::size_t readBuffer = readBufferBytes(in);
     Mp3FrameWalker walker(source, readBuffer);
     HeaderFrames headers;
@@ -424,12 +536,18 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     Mp3FrameWalker::Item item = walker.next();
     for (; item != Mp3FrameWalker::Item::Audio; item = walker.next()) {
         if (item == Mp3FrameWalker::Item::End) {
-            error = "no MPEG audio frame in " + input;
+            if (sourceAudio) {
+                return silentSource(error);
+            }
+            error = failure(input, "no MPEG audio Layer III frame in it");
             return NoAudioFrame;
         }
         if (item == Mp3FrameWalker::Item::ReadError) {
-            error = "cannot read " + input + ": " + reason();
+            error = failure(input, reason());
             return UnreadableInput;
+        }
+        if (sourceAudio && !sourceAudio->item(walker.offset(), false)) {
+            return silentSource(error);
         }
         if (item == Mp3FrameWalker::Item::HeaderFrame) {
             headers.met(Mp3HeaderFrame::read(walker.data(), walker.length(), walker.header()),
@@ -437,10 +555,11 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
         }
     }
     const MpegFrameHeader first = walker.header();
-    const MpegFrameHeader header = headerFrameHeader(first, headers);
-    std::vector<std::uint8_t> headerFrame(static_cast<std::size_t>(header.frameLength()));
+    const HeaderFrameShape shape =
+        headerFrameShape(first, static_cast<int>(walker.length()), headers);
+    std::vector<std::uint8_t> headerFrame(static_cast<std::size_t>(shape.length));
     Mp3HeaderFrameContent content;
-    WriteHeaderFrame(header, content, headerFrame.data());
+    WriteHeaderFrame(shape.header, shape.length, content, headerFrame.data());
 
     Output out(output, tagLength + headerFrame.size() + readBuffer);
     const bool tagWritten =
@@ -449,28 +568,59 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
                                   tagging->bytes.size()));
     if (!tagWritten || (!tagging && !out.open()) ||
         !out.append(headerFrame.data(), headerFrame.size())) {
-        error = "cannot write " + output + ": " + reason();
+        error = failure(output, reason());
         return WriteError;
     }
+    // A reader learns the length of free-format frames once in a stream: the
+    // output holds free-format frames of one length only.
+    int freeFormatLength = 0;
+    MpegFrameHeader freeFormatHeader;
+    const auto otherFreeFormatRate = [&](int unpadded, std::string& line) {
+        line = failure(sourceAudio ? sourceAudio->current() : input,
+                       "free format at " + std::to_string(walker.header().kbpsOfLength(unpadded)) +
+                           " kbit/s after free format at " +
+                           std::to_string(freeFormatHeader.kbpsOfLength(freeFormatLength)) +
+                           " kbit/s: a joined file holds one free-format rate only");
+        return MixedFreeFormat;
+    };
     std::uint64_t frames = 0;
     bool oneBitrate = true;
     std::uint16_t musicCrc = 0;
     SeekTable seekTable;
     for (; item != Mp3FrameWalker::Item::End; item = walker.next()) {
+        if (item == Mp3FrameWalker::Item::ReadError) {
+            error = failure(input, reason());
+            return UnreadableInput;
+        }
+        if (sourceAudio &&
+            !sourceAudio->item(walker.offset(), item == Mp3FrameWalker::Item::Audio)) {
+            return silentSource(error);
+        }
         switch (item) {
             case Mp3FrameWalker::Item::Audio:
+                if (walker.header().isFreeFormat()) {
+                    const int unpadded =
+                        static_cast<int>(walker.length()) - walker.header().freeFormatLength(0);
+                    if (freeFormatLength == 0) {
+                        freeFormatLength = unpadded;
+                        freeFormatHeader = walker.header();
+                    }
+                    if (unpadded != freeFormatLength) {
+                        return otherFreeFormatRate(unpadded, error);
+                    }
+                }
                 seekTable.frame(frames, out.written() - tagLength);
                 ++frames;
                 if (tagging) {
                     tagging->audio(walker.offset(), walker.header());
                 }
                 headers.audio();
-                oneBitrate = oneBitrate &&
-                             walker.header().bitrateIndex() == header.bitrateIndex() &&
-                             walker.header().sameStreamAs(header);
+                oneBitrate =
+                    oneBitrate &&
+                    rateOfHeaderFrame(walker.header(), static_cast<int>(walker.length()), shape);
                 musicCrc = Mp3Crc16(musicCrc, walker.data(), walker.length());
                 if (!out.append(walker.data(), walker.length())) {
-                    error = "cannot write " + output + ": " + reason();
+                    error = failure(output, reason());
                     return WriteError;
                 }
                 break;
@@ -478,16 +628,16 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
                 headers.met(Mp3HeaderFrame::read(walker.data(), walker.length(), walker.header()),
                             frames > 0);
                 break;
-            case Mp3FrameWalker::Item::ReadError:
-                error = "cannot read " + input + ": " + reason();
-                return UnreadableInput;
             default:
                 headers.skipped();
                 break;
         }
     }
+    if (sourceAudio && !sourceAudio->end()) {
+        return silentSource(error);
+    }
     if (!out.flush()) {
-        error = "cannot write " + output + ": " + reason();
+        error = failure(output, reason());
         return WriteError;
     }
 
@@ -509,7 +659,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
         content.musicLength = content.bytes;
         content.musicCrc = musicCrc;
     }
-    WriteHeaderFrame(header, content, headerFrame.data());
+    WriteHeaderFrame(shape.header, shape.length, content, headerFrame.data());
     bool tagRewritten = true;
     if (tagging) {
         const double rate = first.sampleRateHz();
@@ -523,7 +673,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     }
     if (!tagRewritten || !out.rewrite(headerFrame.data(), headerFrame.size(), tagLength) ||
         !out.close()) {
-        error = "cannot write " + output + ": " + reason();
+        error = failure(output, reason());
         return WriteError;
     }
     return Fixed;

@@ -7,9 +7,11 @@
 
 namespace {
 
-// The longest Layer III frame is 1441 bytes; three of them and a tag header
-// are all that any decision looks at.
-constexpr std::size_t kLookahead = 3 * 1441 + 64;
+// The longest Layer III frame is a free-format frame of MPEG-2.5 at 8000 Hz
+// and 640 kbit/s, 5761 bytes; three of them and a tag header are all that any
+// decision looks at.
+constexpr std::size_t kLongestFrame = 5761;
+constexpr std::size_t kLookahead = 3 * kLongestFrame + 64;
 constexpr std::size_t kId3v1Bytes = 128;
 constexpr std::size_t kEnhancedTagBytes = 227;
 constexpr std::size_t kApeHeaderBytes = 32;
@@ -76,12 +78,12 @@ bool Mp3FrameWalker::skip(std::uint64_t count) {
     return true;
 }
 
-bool Mp3FrameWalker::layer3At(std::size_t offset, MpegFrameHeader& header) const {
+bool Mp3FrameWalker::headerAt(std::size_t offset, MpegFrameHeader& header) const {
     if (offset + 4 > available() || *at(offset) != 0xFF) {
         return false;
     }
     header = MpegFrameHeader::fromBytes(at(offset));
-    return header.isLayer3Audio();
+    return header.isLayer3Audio() || header.isLayer3FreeFormat();
 }
 
 // "ID3", a version of 2 to 4, no flag that version lacks, a sync-safe size.
@@ -108,34 +110,82 @@ bool Mp3FrameWalker::tagAt(std::size_t offset) const {
            (left >= 11 && std::memcmp(p, "LYRICSBEGIN", 11) == 0);
 }
 
-// A frame whose next one or two frames of the same stream follow, or that
-// ends at a tag or the end of the stream with no more than one frame between.
-bool Mp3FrameWalker::confirmedAt(std::size_t offset, MpegFrameHeader& header) const {
-    if (!layer3At(offset, header)) {
-        return false;
-    }
-    std::size_t next = offset + static_cast<std::size_t>(header.frameLength());
+// From the frame of the given length at offset on, the next frames of its
+// stream follow one another (more of them), or the stream ends at a tag or
+// the end with fewer between. A free-format frame behind it has the given
+// length without padding; where that is unknown (0), its length must be
+// found, which takes frames of its own behind it.
+bool Mp3FrameWalker::streamGoesOn(std::size_t offset, const MpegFrameHeader& header, int length,
+                                  int unpadded, int more) const {
+    std::size_t next = offset + static_cast<std::size_t>(length);
     MpegFrameHeader following;
-    for (int frame = 0; frame < 2; ++frame) {
+    for (int frame = 0; frame < more; ++frame) {
         if (next > available()) {
             return false;
         }
         if (endAt(next) || tagAt(next)) {
             return true;
         }
-        if (!layer3At(next, following) || !following.sameStreamAs(header)) {
+        if (!headerAt(next, following) || !following.sameStreamAs(header)) {
             return false;
         }
-        next += static_cast<std::size_t>(following.frameLength());
+        if (following.isFreeFormat() && unpadded == 0) {
+            return freeFormatLengthAt(next, following) > 0;
+        }
+        next +=
+            static_cast<std::size_t>(following.isFreeFormat() ? following.freeFormatLength(unpadded)
+                                                              : following.frameLength());
     }
     return true;
+}
+
+// A free-format frame is as long as the distance to the next frame header of
+// its kind (less its padding): the nearest such header behind which two more
+// frames of that length follow, or the stream ends. 0 when there is none
+// within the longest free-format frame.
+int Mp3FrameWalker::freeFormatLengthAt(std::size_t offset, const MpegFrameHeader& header) const {
+    const int padding = header.freeFormatLength(0);
+    const int least = header.layer3DataOffset() + padding;
+    const int most = header.longestFreeFormatLength();
+    MpegFrameHeader following;
+    for (int distance = least; distance <= most; ++distance) {
+        const std::size_t next = offset + static_cast<std::size_t>(distance);
+        if (next + 4 > available()) {
+            return 0;
+        }
+        if (*at(next) != 0xFF || !headerAt(next, following) || !following.isFreeFormat() ||
+            !following.sameStreamAs(header)) {
+            continue;
+        }
+        const int unpadded = distance - padding;
+        if (streamGoesOn(next, following, following.freeFormatLength(unpadded), unpadded, 2)) {
+            return unpadded;
+        }
+    }
+    return 0;
+}
+
+// A frame whose next one or two frames of the same stream follow, or that
+// ends at a tag or the end of the stream with no more than one frame between;
+// a free-format frame whose length can be found. Gives the frame's length.
+bool Mp3FrameWalker::confirmedAt(std::size_t offset, MpegFrameHeader& header, int& length) const {
+    if (!headerAt(offset, header)) {
+        return false;
+    }
+    if (header.isFreeFormat()) {
+        const int unpadded = freeFormatLengthAt(offset, header);
+        length = header.freeFormatLength(unpadded);
+        return unpadded > 0;
+    }
+    length = header.frameLength();
+    return streamGoesOn(offset, header, length, 0, 2);
 }
 
 // What stands behind a frame in step: a frame, a tag or the end.
 bool Mp3FrameWalker::followedWell(std::size_t offset, int length) const {
     const std::size_t next = offset + static_cast<std::size_t>(length);
     MpegFrameHeader following;
-    return next <= available() && (endAt(next) || tagAt(next) || layer3At(next, following));
+    return next <= available() && (endAt(next) || tagAt(next) || headerAt(next, following));
 }
 
 // A frame that a tag or another stream's frames cut short: the file it came
@@ -146,20 +196,22 @@ bool Mp3FrameWalker::cutShort(int length) const {
         return true;  // the stream ends inside the frame
     }
     MpegFrameHeader header;
+    int frameLength = 0;
     for (std::size_t offset = 4; offset < end; ++offset) {
         const std::uint8_t c = *at(offset);
         if ((c == 'I' && id3v2At(offset)) ||
             (c == 'A' && offset + 8 <= available() &&
              std::memcmp(at(offset), "APETAGEX", 8) == 0) ||
-            (c == 0xFF && confirmedAt(offset, header))) {
+            (c == 0xFF && confirmedAt(offset, header, frameLength))) {
             return true;
         }
     }
     return false;
 }
 
-Mp3FrameWalker::Item Mp3FrameWalker::frameItem(const MpegFrameHeader& header) {
-    const std::size_t length = static_cast<std::size_t>(header.frameLength());
+Mp3FrameWalker::Item Mp3FrameWalker::frameItem(const MpegFrameHeader& header, int frameLength) {
+    const std::size_t length = static_cast<std::size_t>(frameLength);
+    freeFormatLength_ = header.isFreeFormat() ? frameLength - header.freeFormatLength(0) : 0;
     itemOffset_ = position_;
     itemLength_ = length;
     itemData_ = at(0);
@@ -169,6 +221,31 @@ Mp3FrameWalker::Item Mp3FrameWalker::frameItem(const MpegFrameHeader& header) {
     inStep_ = true;
     last_ = header;
     return found.kind == Mp3HeaderFrame::Kind::None ? Item::Audio : Item::HeaderFrame;
+}
+
+// A frame right behind a frame of its stream: taken when a frame, a tag or the
+// end follows it, or when nothing inside it shows that it was cut short. A
+// free-format frame has the length of the frames before it, or, where that
+// does not hold (another file of another rate behind the last), the length
+// found anew.
+Mp3FrameWalker::Item Mp3FrameWalker::frameInStep(const MpegFrameHeader& header) {
+    int length = header.frameLength();
+    if (header.isFreeFormat()) {
+        length = freeFormatLength_ > 0 ? header.freeFormatLength(freeFormatLength_) : 0;
+    }
+    if (length > 0 && followedWell(0, length)) {
+        return frameItem(header, length);
+    }
+    if (header.isFreeFormat()) {
+        const int unpadded = freeFormatLengthAt(0, header);
+        if (unpadded > 0) {
+            return frameItem(header, header.freeFormatLength(unpadded));
+        }
+    }
+    if (length > 0 && !cutShort(length)) {
+        return frameItem(header, length);
+    }
+    return junkItem(1);
 }
 
 // A tag or junk of the given length, or of what is left of the stream when
@@ -261,9 +338,10 @@ Mp3FrameWalker::Item Mp3FrameWalker::junkItem(std::size_t from) {
     const std::size_t limit = eof_ ? available() : available() - kLookahead;
     std::size_t offset = from;
     MpegFrameHeader header;
+    int length = 0;
     while (offset < limit) {
         const std::uint8_t c = *at(offset);
-        if ((c == 0xFF && confirmedAt(offset, header)) || (c == 'I' && id3v2At(offset))) {
+        if ((c == 0xFF && confirmedAt(offset, header, length)) || (c == 'I' && id3v2At(offset))) {
             break;
         }
         ++offset;
@@ -279,16 +357,13 @@ Mp3FrameWalker::Item Mp3FrameWalker::next() {
         return error_ ? Item::ReadError : Item::End;
     }
     MpegFrameHeader header;
-    if (layer3At(0, header)) {
-        const int length = header.frameLength();
+    if (headerAt(0, header)) {
         if (inStep_ && header.sameStreamAs(last_)) {
-            if (followedWell(0, length) || !cutShort(length)) {
-                return frameItem(header);
-            }
-            return junkItem(1);
+            return frameInStep(header);
         }
-        if (confirmedAt(0, header)) {
-            return frameItem(header);
+        int length = 0;
+        if (confirmedAt(0, header, length)) {
+            return frameItem(header, length);
         }
     }
     if (id3v2At(0)) {

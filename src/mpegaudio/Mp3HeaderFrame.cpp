@@ -9,6 +9,12 @@ constexpr std::uint32_t kBytesFlag = 2;
 constexpr std::uint32_t kTocFlag = 4;
 constexpr std::uint32_t kQualityFlag = 8;
 constexpr int kVbriOffset = 4 + 32;
+// The LAME extension's byte behind the encoder's name: the tag's revision and,
+// in its low half, the encoder's bit-rate method.
+constexpr int kLameMethodByte = 9;
+constexpr std::uint8_t kMethodUnknown = 0;
+constexpr std::uint8_t kMethodConstant = 1;
+constexpr std::uint8_t kMethodConstantTwoPasses = 8;
 
 std::uint32_t bigEndian32(const std::uint8_t* p) {
     return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) |
@@ -123,9 +129,12 @@ Mp3HeaderFrame Mp3HeaderFrame::read(const std::uint8_t* frame, std::size_t lengt
     return found;
 }
 
+int HeaderFrameLeastLength(const MpegFrameHeader& header) {
+    return xingOffset(header.withField(16, 1, 1)) + kXingHeaderBytes + kLameExtensionBytes;
+}
+
 int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps) {
-    const int needed =
-        xingOffset(header.withField(16, 1, 1)) + kXingHeaderBytes + kLameExtensionBytes;
+    const int needed = HeaderFrameLeastLength(header);
     int fallback = 0;
     for (int index = 1; index < 15; ++index) {
         const MpegFrameHeader candidate = header.withField(17, 4, static_cast<std::uint32_t>(index))
@@ -144,9 +153,8 @@ int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps) {
     return fallback;
 }
 
-void WriteHeaderFrame(const MpegFrameHeader& header, const Mp3HeaderFrameContent& content,
-                      std::uint8_t* frame) {
-    const int length = header.frameLength();
+void WriteHeaderFrame(const MpegFrameHeader& header, int length,
+                      const Mp3HeaderFrameContent& content, std::uint8_t* frame) {
     std::memset(frame, 0, static_cast<std::size_t>(length));
     const auto headerBytes = header.bytes();
     std::memcpy(frame, headerBytes.data(), 4);
@@ -162,6 +170,13 @@ void WriteHeaderFrame(const MpegFrameHeader& header, const Mp3HeaderFrameContent
     }
     std::uint8_t* lame = frame + at + kXingHeaderBytes;
     std::memcpy(lame, content.lame.data(), kLameExtensionBytes);
+    // A constant bit rate is false of a stream whose frames have more than one
+    // (a joined file of several rates, free format among them), and readers
+    // that trust it take the length from the size and the first frame's rate.
+    const std::uint8_t method = lame[kLameMethodByte] & 0x0F;
+    if (!content.info && (method == kMethodConstant || method == kMethodConstantTwoPasses)) {
+        lame[kLameMethodByte] = (lame[kLameMethodByte] & 0xF0) | kMethodUnknown;
+    }
     lame[21] = static_cast<std::uint8_t>(content.delay >> 4);
     lame[22] = static_cast<std::uint8_t>(((content.delay & 0x0F) << 4) | (content.padding >> 8));
     lame[23] = static_cast<std::uint8_t>(content.padding & 0xFF);

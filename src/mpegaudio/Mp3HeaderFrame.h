@@ -59,10 +59,17 @@ constexpr int kLameExtensionBytes = 36;
 // bit-rate index (0 when none does).
 int HeaderFrameBitrateIndex(const MpegFrameHeader& header, int wantedKbps);
 
+// The bytes a header frame of this header's version, sample rate and mode
+// needs for its header and LAME extension.
+int HeaderFrameLeastLength(const MpegFrameHeader& header);
+
 // Writes a whole header frame of the given header (its bit rate chosen with
-// HeaderFrameBitrateIndex) into frame, which has header.frameLength() bytes.
-void WriteHeaderFrame(const MpegFrameHeader& header, const Mp3HeaderFrameContent& content,
-                      std::uint8_t* frame);
+// HeaderFrameBitrateIndex) into frame, which has length bytes: the header's
+// frame length, or for a free-format header the length of its stream's frames.
+// The LAME extension is the given one with the joined stream's values; in a
+// "Xing" frame its bit-rate method never says constant.
+void WriteHeaderFrame(const MpegFrameHeader& header, int length,
+                      const Mp3HeaderFrameContent& content, std::uint8_t* frame);
 
 // CRC-16 as the LAME extension uses it (polynomial 0x8005, bits reflected,
 // start 0): over data, going on from crc.

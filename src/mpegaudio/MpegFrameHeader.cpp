@@ -101,8 +101,30 @@ int MpegFrameHeader::frameLength() const {
     if (layer() == 1) {
         return (12 * kbps * 1000 / rate + padding) * 4;
     }
-    const int perSample = layer() == 3 && mpegVersion() != 1 ? 72 : 144;
-    return perSample * kbps * 1000 / rate + padding;
+    return perSampleBytes() * kbps * 1000 / rate + padding;
+}
+
+int MpegFrameHeader::longestFreeFormatLength() const {
+    constexpr int kHighestFreeFormatKbps = 640;
+    const int rate = sampleRateHz();
+    if (rate == 0) {
+        return 0;
+    }
+    if (layer() == 1) {
+        return (12 * kHighestFreeFormatKbps * 1000 / rate + 1) * 4;
+    }
+    return perSampleBytes() * kHighestFreeFormatKbps * 1000 / rate + 1;
+}
+
+int MpegFrameHeader::kbpsOfLength(int unpaddedLength) const {
+    const int rate = sampleRateHz();
+    if (rate == 0 || layer() == 0) {
+        return 0;
+    }
+    const double bytesPerSecond =
+        layer() == 1 ? unpaddedLength / 4.0 / 12.0 * rate
+                     : static_cast<double>(unpaddedLength) / perSampleBytes() * rate;
+    return static_cast<int>(bytesPerSecond / 1000.0 + 0.5);
 }
 
 int MpegFrameHeader::sideInfoLength() const {
@@ -115,6 +137,11 @@ int MpegFrameHeader::sideInfoLength() const {
 bool MpegFrameHeader::isLayer3Audio() const {
     return knownBits_ == 32 && number(1, 11) == 0x7FF && mpegVersion() != 0 && layer() == 3 &&
            bitrateKbps() != 0 && sampleRateHz() != 0;
+}
+
+bool MpegFrameHeader::isLayer3FreeFormat() const {
+    return knownBits_ == 32 && number(1, 11) == 0x7FF && mpegVersion() != 0 && layer() == 3 &&
+           isFreeFormat() && sampleRateHz() != 0;
 }
 
 bool MpegFrameHeader::sameStreamAs(const MpegFrameHeader& other) const {

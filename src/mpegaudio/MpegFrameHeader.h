@@ -65,12 +65,31 @@ public:
     // The frame's whole length in bytes, header included; 0 when the header
     // gives none (free format, reserved values).
     int frameLength() const;
+    // A free-format frame (bit-rate index 0) has the length of the stream's
+    // frames without padding, which only the distance between two frames
+    // tells, plus its padding.
+    int freeFormatLength(int unpaddedLength) const {
+        return unpaddedLength + static_cast<int>(paddingBit()) * (layer() == 1 ? 4 : 1);
+    }
+    // The longest free-format frame of this version, layer and sample rate
+    // that is looked for: the length of a frame at 640 kbit/s, the highest
+    // rate encoders write in free format; 0 without a sample rate.
+    int longestFreeFormatLength() const;
+    // The bit rate in kbit/s, rounded, that frames of this length without
+    // padding make; 0 without a sample rate.
+    int kbpsOfLength(int unpaddedLength) const;
+    // The bytes in front of a Layer III frame's main data: header, CRC and
+    // side information.
+    int layer3DataOffset() const { return 4 + (hasCrc() ? 2 : 0) + sideInfoLength(); }
     // Layer III: the bytes of side information behind the header (and its CRC).
     int sideInfoLength() const;
 
     // A complete Layer III header of any version with a bit rate and sample
     // rate from the tables: the frames the joiner keeps.
     bool isLayer3Audio() const;
+    // The same with bit-rate index 0: a frame of a free-format stream.
+    bool isLayer3FreeFormat() const;
+    bool isFreeFormat() const { return bitrateIndex() == 0; }
     // Same version, layer, sample rate and channel count: frames of one stream.
     bool sameStreamAs(const MpegFrameHeader& other) const;
 
@@ -85,6 +104,10 @@ public:
     }
 
 private:
+    // Layers II and III: the bytes of a frame per bit/s of the rate, times the
+    // sample rate (144 for 1152 samples a frame, 72 for 576).
+    int perSampleBytes() const { return layer() == 3 && mpegVersion() != 1 ? 72 : 144; }
+
     std::uint32_t bits_ = 0;
     int knownBits_ = 32;
 };

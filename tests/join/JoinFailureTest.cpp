@@ -19,6 +19,42 @@ TEST(ReasonInErrorText, TheLastLineWithAColon_GivesWhatStandsBehindItsLastColon)
     EXPECT_EQ(ReasonInErrorText(""), "");
 }
 
+TEST(ReadErrorText, PathsWithColonAndBlank_FileAndReasonTakenWhole) {
+    const QString source = QStringLiteral("/m/Live: Tokyo/02: Encore.mp3");
+    const QString temp = QStringLiteral("/o/Live: Tokyo.mp3.vlr.mp3");
+    const QStringList known{source, temp, QStringLiteral("/o/Live: Tokyo.mp3"),
+                            QStringLiteral("/m/Live")};
+    // The fix tool: its name, the file, the reason.
+    ErrorInText error = ReadErrorText("Fixing MP3 File...\nMP3.exe: " + source +
+                                          ": no MPEG audio Layer III frame could be "
+                                          "read in it\n",
+                                      known);
+    EXPECT_EQ(error.file, source);
+    EXPECT_EQ(error.reason, "no MPEG audio Layer III frame could be read in it");
+    EXPECT_EQ(error.line,
+              "MP3.exe: " + source + ": no MPEG audio Layer III frame could be read in it");
+    // cat quotes a name with a blank; the shell does not.
+    error = ReadErrorText("cat: '" + source + "': Permission denied\n", known);
+    EXPECT_EQ(error.file, source);
+    EXPECT_EQ(error.reason, "Permission denied");
+    error = ReadErrorText("TempFile.bat: 9: cannot create " + temp + ": Directory nonexistent\n",
+                          known);
+    EXPECT_EQ(error.file, temp);
+    EXPECT_EQ(error.reason, "Directory nonexistent");
+    // A reason that names the file at its end, behind a ": " of its own.
+    error =
+        ReadErrorText("MP3.exe: no chapters: cannot read the sources in " + source + '\n', known);
+    EXPECT_EQ(error.file, QString());
+    EXPECT_EQ(error.reason, "cannot read the sources in " + source);
+    // A line whose only ": " stand inside a file is no error line.
+    error =
+        ReadErrorText("MP3.exe: " + source + ": bad\nOutput #0, vob, to '" + temp + "':\n", known);
+    EXPECT_EQ(error.reason, "bad");
+    // No file known: the last ": " of the line, as before.
+    EXPECT_EQ(ReasonInErrorText("cat: '/m/Live: Tokyo/a.mp3': No such file or directory\n"),
+              "No such file or directory");
+}
+
 TEST(ExitStatusReason, SignalsMissingAndRefusedCommandsAndOtherStatuses) {
     EXPECT_EQ(ExitStatusReason(128 + 25), "File size limit exceeded");
     EXPECT_EQ(ExitStatusReason(128 + 9), "Killed");

@@ -19,6 +19,7 @@
 #include <cstring>
 #include <functional>
 
+#include "app/Settings.h"
 #include "join/JoinFaultSupport.h"
 #include "platform/ProcessRunner.h"
 
@@ -108,6 +109,19 @@ protected:
             }
         }
         return false;
+    }
+
+    // The join of one.mp3, "Live: Tokyo/02: Encore.mp3" (random bytes) and
+    // three.mp3 into "Live: Tokyo/Live: Tokyo.mp3", through the pre-flight.
+    QString startJoinWithJunkInLiveTokyo() {
+        const QString folder = bed.media + QStringLiteral("/Live: Tokyo");
+        EXPECT_TRUE(QDir().mkpath(folder));
+        junkSource = randomFile(QStringLiteral("Live: Tokyo/02: Encore.mp3"), 30000);
+        bed.makeMp3List({mp3(QStringLiteral("one.mp3"), 440), junkSource,
+                         mp3(QStringLiteral("three.mp3"), 550)});
+        const QString output = folder + QStringLiteral("/Live: Tokyo.mp3");
+        startJoin(output);
+        return output;
     }
 
     // The join of two files of random bytes of the given video type (a
@@ -216,6 +230,7 @@ protected:
     SourceGuard sources;
     QString mountPoint;
     QString mountError;
+    QString junkSource;
 };
 
 }  // namespace
@@ -383,6 +398,30 @@ TEST_F(JoinFaultTest, SourceUnreadable_FailsOnIt) {
 }
 
 // ---- the fix step fails, is killed or loses its tool or its script ----
+
+// The list holds a file of random bytes as an MP3 between two real ones, in a
+// folder whose name holds ": ". The raw join holds its bytes, but the fix tool
+// reads no audio frame in them: the join fails on that file rather than
+// finish without it.
+TEST_F(JoinFaultTest, SourceThatIsNoMpegAudio_FailsNamingIt_FolderWithColonAndBlank) {
+    const QString output = startJoinWithJunkInLiveTokyo();
+    runToTheEnd();
+    expectFailed(output, fixing(), junkSource,
+                 QStringLiteral("no MPEG audio Layer III frame could be read in it"));
+    close();
+    expectCleanEnd(output);
+}
+
+TEST_F(JoinFaultTest, SourceThatIsNoMpegAudio_TagsOff_FailsNamingIt) {
+    Settings::SetJoinWriteTagsAndChapters(0);
+    const QString output = startJoinWithJunkInLiveTokyo();
+    runToTheEnd();
+    Settings::SetJoinWriteTagsAndChapters(1);
+    expectFailed(output, fixing(), junkSource,
+                 QStringLiteral("no MPEG audio Layer III frame could be read in it"));
+    close();
+    expectCleanEnd(output);
+}
 
 TEST_F(JoinFaultTest, FixToolExitsWithAnError_Fails) {
     // MPEG-2 video that is no MPEG at all: the remake refuses it.

@@ -588,7 +588,7 @@ TEST_F(JoinScriptsTest, LoggingOff_WritesNoRecordAnywhere) {
 
 }  // namespace
 
-TEST_F(JoinScriptsTest, Mp3List_SourcesFileListsEachItemsLengthAndName_UnlessTagsAreOff) {
+TEST_F(JoinScriptsTest, Mp3List_SourcesFileListsEachItemsLengthAndPath_TagsOnOrOff) {
     ScriptTestBed::writeFile(items[0], QByteArray(1000, 'a'));
     ScriptTestBed::writeFile(items[1], QByteArray(25, 'b'));
     items[2] = bed.media + QStringLiteral("/three\nlines 100%.mp3");
@@ -600,16 +600,21 @@ TEST_F(JoinScriptsTest, Mp3List_SourcesFileListsEachItemsLengthAndName_UnlessTag
         ParseJoinSources(ScriptTestBed::readFile(app("JoinSources.txt")).toStdString(), sources));
     ASSERT_EQ(sources.size(), 3u);
     EXPECT_EQ(sources[0].length, 1000u);
-    EXPECT_EQ(sources[0].name, "one.mp3");
+    EXPECT_EQ(sources[0].name, items[0].toStdString());
     EXPECT_EQ(sources[1].length, 25u);
     EXPECT_EQ(sources[2].length, 7u);
-    EXPECT_EQ(sources[2].name, "three\nlines 100%.mp3");
+    EXPECT_EQ(sources[2].name, items[2].toStdString());
 
-    // With the box off no sources file is written, and an earlier one goes.
+    // With the box off the sources are still written, for the tool's check
+    // that every source gives audio, and the fix line asks for no tag.
     Settings::SetJoinWriteTagsAndChapters(0);
+    QFile::remove(app("JoinSources.txt"));
     write(sh);
-    EXPECT_FALSE(QFile::exists(app("JoinSources.txt")));
+    EXPECT_TRUE(QFile::exists(app("JoinSources.txt")));
+    EXPECT_TRUE(ScriptTestBed::readFile(app("MP3.bat")).contains("' --no-tag '"));
     Settings::SetJoinWriteTagsAndChapters(1);
+    write(sh);
+    EXPECT_FALSE(ScriptTestBed::readFile(app("MP3.bat")).contains("--no-tag"));
     write(batch);
     EXPECT_TRUE(QFile::exists(app("JoinSources.txt")));
     // The clean-up removes it with the scripts.

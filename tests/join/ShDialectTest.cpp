@@ -64,6 +64,20 @@ TEST(ShDialect, Mp3Fix_OneCheckedCallOfTheFixToolFromTempFileToOutput) {
                                QString(kFixCheckTail)}));
 }
 
+TEST(ShDialect, Mp3FixWithoutTag_AsksTheToolForNone) {
+    ShDialect sh;
+    ScriptDialect::Mp3Fix fix;
+    fix.scriptPath = "/a/MP3.bat";
+    fix.fixTool = "/a/MP3.exe";
+    fix.tempFile = "/o/j.mp3.vlr.mp3";
+    fix.outputFile = "/o/j.mp3";
+    fix.tag = false;
+    fix.check = fixCheck();
+    EXPECT_EQ(
+        sh.mp3FixLines(fix).value(1),
+        "'/a/MP3.exe' --no-tag '/o/j.mp3.vlr.mp3' '/o/j.mp3' < /dev/null" + QString(kFixCheckTail));
+}
+
 TEST(ShDialect, CheckedStep_ErrorOutputToTheLog_StatusAndStepToTheRecord_MarkerGoes) {
     ShDialect sh;
     ScriptDialect::StepCheck check = fixCheck();

@@ -188,6 +188,30 @@ TEST_F(ID3ReaderFrame, BitrateIndex15_KbitsZero_SecondsZero_ReportSaysZeroSecond
     EXPECT_TRUE(reader.InfoString().contains(QStringLiteral("\r\n0kbit, 0 frames\r\n")));
 }
 
+TEST_F(ID3ReaderFrame, FreeFormat_RateFromTheFramesLength_ReportSaysFreeFormat) {
+    // Free-format frames of 653 bytes at 44,100 Hz: 200 kbit/s.
+    Header h;
+    h.bitrateIndex = 0;
+    QByteArray frames;
+    for (int i = 0; i < 10; ++i) {
+        frames += FrameHeader(h) + QByteArray(649, '\0');
+    }
+    const ID3Reader reader = analyse(makeSized(frames, 1000000));
+    EXPECT_TRUE(reader.FreeFormat());
+    EXPECT_EQ(reader.Kbits(), 200);
+    EXPECT_EQ(reader.Seconds(), 40);  // 8,000,000 bits at 200 kbit/s
+    EXPECT_TRUE(
+        reader.InfoString().contains(QStringLiteral("\r\n200kbit free format, 0 frames\r\n")))
+        << reader.InfoString().toStdString();
+    // One frame alone does not tell its length: the rate stays unknown.
+    const ID3Reader alone = analyse(makeSized(FrameHeader(h), 1000000, QStringLiteral("g.mp3")));
+    EXPECT_TRUE(alone.FreeFormat());
+    EXPECT_EQ(alone.Kbits(), 0);
+    EXPECT_TRUE(alone.InfoString().contains(QStringLiteral("\r\n0kbit free format, 0 frames\r\n")));
+    // A rate from the table is no free format.
+    EXPECT_FALSE(analyse(makeSized(FrameHeader(), 1000000, QStringLiteral("h.mp3"))).FreeFormat());
+}
+
 TEST_F(ID3ReaderFrame, ModesFlagsAndEmphasis_Decode) {
     Header h;
     h.crc = true;

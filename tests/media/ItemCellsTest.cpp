@@ -363,6 +363,26 @@ TEST_F(ListFixture, Mp3ListWithoutAudio_DurationUntouchedBitrateBlankHertzEmpty)
     EXPECT_EQ(cell(fresh, 9), "");
 }
 
+TEST_F(ListFixture, FreeFormatMp3_CellsAndTraitsFromItsFrames) {
+    // The media library sees no audio in a free-format file: the row takes
+    // the cells of the frames the join keeps.
+    REQUIRE_FFMPEG();
+    useType("MP3");
+    Mp3Options options;
+    options.seconds = 3;
+    const QString path = MakeFreeFormatMp3(dir.path(), "free.mp3", 200, options);
+    ASSERT_FALSE(path.isEmpty()) << LastMediaMakerError().toStdString();
+    const int row = addAndFill(path);
+    EXPECT_EQ(cell(row, 9), "3 seconds");
+    EXPECT_EQ(cell(row, 10), "free format");
+    EXPECT_EQ(cell(row, 11), "44100 (Stereo)");
+    const ItemReading reading = ReadItem(path, "MP3");
+    ASSERT_EQ(reading.traits->audio.size(), 1);
+    EXPECT_EQ(reading.traits->audio.first().codecText(), "MPEG-1 Layer III");
+    EXPECT_EQ(reading.traits->audio.first().rate, 44100);
+    EXPECT_EQ(reading.traits->audio.first().channels, 2);
+}
+
 TEST_F(ListFixture, SizeCells_OfByteBuiltFiles) {
     useType("MPEG");
     EXPECT_EQ(cell(addAndFill(write("empty.mpg", QByteArray())), 1), "1 KB");

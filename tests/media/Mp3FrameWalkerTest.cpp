@@ -194,3 +194,125 @@ TEST(Mp3FrameWalker, ApeTagWhoseSizeRunsPastTheEnd_CoversOnlyWhatIsThere) {
     EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(stream.size()));
     EXPECT_EQ(count(walked, Item::Ape), 1);
 }
+
+namespace {
+
+// A free-format frame of the stream of header (its bit-rate index made 0): as
+// long as unpadded, and one byte more with the padding bit set.
+QByteArray freeFrame(const char* header, int unpadded, bool padding = false, char fill = '\x11') {
+    QByteArray bytes(header, 4);
+    bytes[2] = static_cast<char>((bytes[2] & 0x0D) | (padding ? 0x02 : 0x00));
+    return bytes + QByteArray(unpadded + (padding ? 1 : 0) - 4, fill);
+}
+
+// count free-format frames of that length, every third one padded.
+QByteArray freeFrames(const char* header, int unpadded, int count) {
+    QByteArray bytes;
+    for (int i = 0; i < count; ++i) {
+        bytes += freeFrame(header, unpadded, i % 3 == 2);
+    }
+    return bytes;
+}
+
+MpegFrameHeader headerOf(const QByteArray& bytes) {
+    return MpegFrameHeader::fromBytes(reinterpret_cast<const std::uint8_t*>(bytes.constData()));
+}
+
+}  // namespace
+
+TEST(MpegFrameHeader, FreeFormat_LengthFromTheStreamPlusPadding_RateFromTheLength) {
+    const MpegFrameHeader plain = headerOf(freeFrame(kMpeg1, 653));
+    EXPECT_TRUE(plain.isFreeFormat());
+    EXPECT_TRUE(plain.isLayer3FreeFormat());
+    EXPECT_FALSE(plain.isLayer3Audio());
+    EXPECT_EQ(plain.frameLength(), 0);
+    EXPECT_EQ(plain.freeFormatLength(653), 653);
+    EXPECT_EQ(headerOf(freeFrame(kMpeg1, 653, true)).freeFormatLength(653), 654);
+    // 653 bytes a frame of 1152 samples at 44,100 Hz: 199,979 bit/s.
+    EXPECT_EQ(plain.kbpsOfLength(653), 200);
+    // MPEG-2 at 22,050 Hz, 576 samples a frame: 200 bytes are 61,250 bit/s.
+    EXPECT_EQ(headerOf(freeFrame(kMpeg2, 200)).kbpsOfLength(200), 61);
+    // The longest looked for: 640 kbit/s at the version's sample rate.
+    EXPECT_EQ(plain.longestFreeFormatLength(), 144 * 640000 / 44100 + 1);
+    EXPECT_EQ(headerOf(freeFrame(kMpeg25, 300)).longestFreeFormatLength(), 72 * 640000 / 11025 + 1);
+    EXPECT_FALSE(headerOf(freeFrame("\xFF\xFD\x90\x64", 600)).isLayer3FreeFormat());  // Layer II
+}
+
+TEST(Mp3FrameWalker, FreeFormatFrames_TakenWithTheDistanceToTheNextHeaderAsLength) {
+    const QByteArray stream = freeFrames(kMpeg1, 653, 12);
+    const Walked walked = walk(stream);
+    EXPECT_EQ(count(walked, Item::Audio), 12);
+    EXPECT_EQ(count(walked, Item::Junk), 0);
+    EXPECT_TRUE(walked.contiguous);
+    EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(stream.size()));
+    ASSERT_EQ(walked.lengths.size(), 12u);
+    EXPECT_EQ(walked.lengths[0], 653u);
+    EXPECT_EQ(walked.lengths[2], 654u);  // padded
+}
+
+TEST(Mp3FrameWalker, FreeFormatFileBetweenOrdinaryOnes_EveryFrameTaken) {
+    const QByteArray free = freeFrames(kMpeg1, 653, 9);
+    const QByteArray tagged = frames(kMpeg1, 5) + id3v2(120, 120) + free + QByteArray("TAG") +
+                              QByteArray(125, ' ') + frames(kMpeg1, 4);
+    Walked walked = walk(tagged, 333);
+    EXPECT_EQ(count(walked, Item::Audio), 18);
+    EXPECT_EQ(count(walked, Item::Junk), 0);
+    EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(tagged.size()));
+    // Frames right behind frames, no tag between the files.
+    const QByteArray bare = frames(kMpeg1, 5) + free + frames(kMpeg1, 4);
+    walked = walk(bare, 333);
+    EXPECT_EQ(count(walked, Item::Audio), 18);
+    EXPECT_EQ(count(walked, Item::Junk), 0);
+}
+
+TEST(Mp3FrameWalker, FreeFormatFilesOfTwoRatesBackToBack_EachLengthFoundAnew) {
+    const QByteArray stream =
+        freeFrames(kMpeg2, 300, 7) + freeFrames(kMpeg2, 211, 7) + freeFrames(kMpeg1, 900, 5);
+    const Walked walked = walk(stream);
+    EXPECT_EQ(count(walked, Item::Audio), 19);
+    EXPECT_EQ(count(walked, Item::Junk), 0);
+    ASSERT_EQ(walked.lengths.size(), 19u);
+    EXPECT_EQ(walked.lengths[6], 300u);
+    EXPECT_EQ(walked.lengths[7], 211u);
+    EXPECT_EQ(walked.lengths[14], 900u);
+}
+
+TEST(Mp3FrameWalker, FreeFormatFrameWhoseLengthCannotBeFound_IsJunk) {
+    // One frame alone: no next header tells its length.
+    Walked walked = walk(frames(kMpeg1, 3) + id3v2(100, 100) + freeFrame(kMpeg1, 653));
+    EXPECT_EQ(count(walked, Item::Audio), 3);
+    EXPECT_EQ(count(walked, Item::Junk), 1);
+    // Frames longer than 640 kbit/s make: not looked for so far.
+    walked = walk(freeFrames(kMpeg1, 2200, 6));
+    EXPECT_EQ(count(walked, Item::Audio), 0);
+}
+
+TEST(Mp3FrameWalker, JunkFrameFollowedByALoneFreeFormatHeader_IsNotTaken) {
+    // A frame header in junk, and at its length a free-format header that no
+    // frames follow: two headers are no stream.
+    const QByteArray stream =
+        QByteArray("xx") + frame(kMpeg1) + freeFrame(kMpeg1, 653) + QByteArray(3000, 'x');
+    const Walked walked = walk(stream);
+    EXPECT_EQ(count(walked, Item::Audio), 0);
+    EXPECT_EQ(walked.covered, static_cast<std::uint64_t>(stream.size()));
+}
+
+TEST(Mp3HeaderFrame, SeveralRates_LameMethodNeverSaysConstant) {
+    const MpegFrameHeader header = headerOf(QByteArray("\xFF\xFB\x90\x64", 4));
+    Mp3HeaderFrameContent content;
+    content.withLame = true;
+    std::memcpy(content.lame.data(), "LAME3.100", 9);
+    content.lame[9] = 0x21;  // revision 2, constant bit rate
+    std::vector<std::uint8_t> frame(static_cast<std::size_t>(header.frameLength()));
+    const auto methodWritten = [&](bool oneRate) {
+        content.info = oneRate;
+        WriteHeaderFrame(header, header.frameLength(), content, frame.data());
+        const Mp3HeaderFrame read = Mp3HeaderFrame::read(frame.data(), frame.size(), header);
+        EXPECT_TRUE(read.hasLame);
+        return read.lame[9];
+    };
+    EXPECT_EQ(methodWritten(true), 0x21);
+    EXPECT_EQ(methodWritten(false), 0x20);  // revision kept, method unknown
+    content.lame[9] = 0x24;                 // a variable rate stays as it is
+    EXPECT_EQ(methodWritten(false), 0x24);
+}

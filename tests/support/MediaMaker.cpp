@@ -202,6 +202,41 @@ QString MakeMpeg(const QString& folder, const QString& fileName, const MpegOptio
     return path;
 }
 
+QString MakeFreeFormatMp3(const QString& folder, const QString& fileName, int kbps,
+                          const Mp3Options& options, const QString& title) {
+    const QString lame = FindTool(QStringLiteral("lame"));
+    if (lame.isEmpty()) {
+        g_lastError = QStringLiteral("lame not installed");
+        return {};
+    }
+    const QString path = QDir(folder).filePath(fileName);
+    const QString wave = path + QStringLiteral(".wav");
+    if (!RunFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                    QStringLiteral("sine=frequency=%1:duration=%2")
+                        .arg(options.frequencyHz)
+                        .arg(Secs(options.seconds)),
+                    QStringLiteral("-ar"), QString::number(options.sampleRate),
+                    QStringLiteral("-ac"), QString::number(options.channels), wave})) {
+        return {};
+    }
+    QStringList arguments{QStringLiteral("--quiet"), QStringLiteral("--freeformat"),
+                          QStringLiteral("-b"), QString::number(kbps)};
+    if (!title.isEmpty()) {
+        arguments += {QStringLiteral("--id3v2-only"), QStringLiteral("--tt"), title};
+    }
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(lame, arguments + QStringList{wave, path});
+    const bool made = process.waitForFinished(120000) &&
+                      process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    QFile::remove(wave);
+    if (!made) {
+        g_lastError = QStringLiteral("lame failed: ") + QString::fromUtf8(process.readAll());
+        return {};
+    }
+    return path;
+}
+
 QString ProbeValues(const QString& path, const QStringList& entries) {
     return RunFfprobe(QStringList{QStringLiteral("-v"), QStringLiteral("error")} + entries +
                       QStringList{QStringLiteral("-of"), QStringLiteral("default=nw=1:nk=1"), path})

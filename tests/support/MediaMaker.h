@@ -51,6 +51,13 @@ struct MpegOptions {
     QString format;  // muxer: "mpeg" (default for MPEG-1) or "vob" (default for MPEG-2)
 };
 
+// A free-format MP3 (bit-rate index 0 in every frame, the header frame
+// included) made by the lame encoder with --freeformat at kbps from a sine
+// tone of options.seconds, options.frequencyHz, options.sampleRate and
+// options.channels; with the title in an ID3v2 tag when one is given.
+QString MakeFreeFormatMp3(const QString& folder, const QString& fileName, int kbps,
+                          const Mp3Options& options = {}, const QString& title = QString());
+
 // An MPEG program stream named fileName in folder.
 QString MakeMpeg(const QString& folder, const QString& fileName, const MpegOptions& options = {});
 

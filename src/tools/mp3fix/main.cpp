@@ -6,12 +6,15 @@
 // behind one right header frame (see Mp3Fixer). The options of the fix line
 // ("--removedId3v1", "--removeId3v2", "--removeUnknown", "--keepLame") are
 // what it always does, and are accepted so. Exit status 0 when OUTPUT is
-// written; otherwise one line on standard error and no OUTPUT.
+// written; otherwise one line on standard error, "MP3.exe: FILE: REASON"
+// (the tool's name, the file the failure is on, why), and no OUTPUT.
 //
 // When the join's sources file lies beside the tool (JoinSources.txt, written
 // by the program with the scripts), or is named with "--sources FILE", OUTPUT
 // starts with a tag and one chapter per source; a sources file that does not
 // fit the input gives a tag without chapters and one line on standard error.
+// With "--no-tag" OUTPUT has no tag. Either way, a source of which no audio
+// frame can be read ends the fix with that source named.
 #include <unistd.h>
 
 #include <cstdio>
@@ -46,11 +49,16 @@ int main(int argc, char** argv) {
     std::vector<std::string> paths;
     std::string sources;
     bool sourcesNamed = false;
+    Mp3Fixer::TagMode tagMode = Mp3Fixer::WithTag;
     bool options = true;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         if (options && argument == "--") {
             options = false;
+            continue;
+        }
+        if (options && argument == "--no-tag") {
+            tagMode = Mp3Fixer::WithoutTag;
             continue;
         }
         if (options && argument == "--sources" && i + 1 < argc) {
@@ -67,7 +75,8 @@ int main(int argc, char** argv) {
         }
     }
     if (paths.size() != 2) {
-        std::fprintf(stderr, "%s: usage: %s [--sources FILE] [--] INPUT OUTPUT\n", name, name);
+        std::fprintf(stderr, "%s: usage: %s [--sources FILE] [--no-tag] [--] INPUT OUTPUT\n", name,
+                     name);
         return Mp3Fixer::UsageError;
     }
     if (!sourcesNamed) {
@@ -75,7 +84,8 @@ int main(int argc, char** argv) {
     }
     std::string error;
     std::string warning;
-    const Mp3Fixer::Status status = Mp3Fixer::FixFile(paths[0], paths[1], sources, error, warning);
+    const Mp3Fixer::Status status =
+        Mp3Fixer::FixFile(paths[0], paths[1], sources, tagMode, error, warning);
     if (!warning.empty()) {
         std::fprintf(stderr, "%s: %s\n", name, warning.c_str());
     }
