@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "join/JoinFailure.h"
@@ -12,6 +13,7 @@
 struct MainModel;
 class JoinWizardState;
 class ProcessRunner;
+class RemakeProbeScan;
 
 // The run of a join, from the launch of the first script to the finished or
 // cancelled wizard. A 10 ms timer carries it through tick(); a 1 s clock
@@ -83,6 +85,8 @@ public:
     static QString setScriptShell(const QString& shell);
 
 private:
+    void startProbeScan();
+    void writeRemakeProbe();
     void startOperation2();
     // The post-check of JoinOperation 2: what failed, or nothing when
     // OutputFile is whole (TempFile is then deleted).
@@ -108,4 +112,7 @@ private:
     QString toolOutputTail_;
     ProcessRunner* launcher_ = nullptr;
     qint64 firstScriptPid_ = 0;
+    // The scan of the parts for where their streams first appear, while the
+    // first script of a remade MPEG join runs.
+    std::unique_ptr<RemakeProbeScan> probeScan_;
 };

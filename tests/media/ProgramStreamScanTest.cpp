@@ -160,6 +160,11 @@ TEST(ProgramStreamScan, GarbageAndBrokenHeaders_ArePassedOverToTheNextStartCode)
               (std::vector<std::pair<int, std::int64_t>>{{0x1e0, video}, {0x1c0, audio}}));
     EXPECT_EQ(map.packs, 1);
     EXPECT_TRUE(map.complete);
+    // Read in small pieces, a start code lies across the end of what was read.
+    for (const int piece : {3, 5, 7, 11}) {
+        EXPECT_EQ(idsAndOffsets(ScanProgramStream(readerOf(bytes, {piece}))), idsAndOffsets(map))
+            << piece;
+    }
 }
 
 TEST(ProgramStreamScan, BytesThatAreNoProgramStream_NoPackNoStream) {
