@@ -113,6 +113,7 @@ void writeRemakeScript(const MainModel& model, const ScriptDialect& d, const QSt
     remake.outputFile = tempFile.left(tempFile.size() - 8);
     remake.probeBytes = probe.probeBytes;
     remake.analyzeMicroseconds = probe.analyzeMicroseconds;
+    remake.programStream = probe.programStream;
     remake.check.step = 1;
     remake.check.failureRecord = d.childPath(appData, kFailureRecord);
     remake.check.markerFolder = d.childPath(appData, kMarkerFolder);

@@ -59,6 +59,7 @@ RemakeProbe ProbeOfJoin(const JoinStreamMap& map) {
         return WholeJoinProbe(map.bytes);
     }
     RemakeProbe probe;
+    probe.programStream = true;
     probe.probeBytes = deepest->offset + RemakeProbeRule::kMarginBytes;
     probe.analyzeMicroseconds =
         deepest->part <= map.clockedParts

@@ -7,11 +7,13 @@
 #include "media/ProgramStreamScan.h"
 
 // How far into the raw join (TempFile) the MPEG remake reads before it
-// decides which streams there are. The MPEG-2 tool keeps what it reads while
-// it decides, so the bytes of the probe are also its memory; and a stream
-// whose first packet lies beyond the probe is never found and is left out
-// of the output without a word. So the probe reaches exactly as far as the
-// deepest first appearance of a stream in the join, and a margin beyond it.
+// decides which streams there are. A stream whose first packet lies beyond
+// the probe is never found and is left out of the output without a word;
+// every byte of the probe is read before the tool writes anything, and by
+// default the tool holds what it probes in memory. So the probe reaches
+// exactly as far as the deepest first appearance of a stream in the join,
+// and a margin beyond it; and a join whose parts are all program streams is
+// remade with nothing of the probe held.
 
 // The first packet of a stream in the joined sequence.
 struct JoinStreamAppearance {
@@ -47,6 +49,9 @@ struct JoinStreamMap {
 struct RemakeProbe {
     qint64 probeBytes = 0;
     qint64 analyzeMicroseconds = 0;
+    // True when the scan found every part to be a program stream (see
+    // ScriptDialect::MpegRemake::programStream).
+    bool programStream = false;
 };
 
 namespace RemakeProbeRule {
@@ -80,8 +85,8 @@ RemakeProbe WholeJoinProbe(qint64 joinBytes);
 
 // The probe for a join whose streams are mapped: up to the deepest first
 // appearance and the margin; the play time twice the clock there and the
-// slack, or a hundred hours when a part up to there has no clock to go by.
-// A map that is not whole gives the whole join.
+// slack, or a hundred hours when a part up to there has no clock to go by;
+// a program stream. A map that is not whole gives the whole join.
 RemakeProbe ProbeOfJoin(const JoinStreamMap& map);
 
 // The debug log's account of the map: one record per stream ("Stream 0x1c0

@@ -41,6 +41,11 @@ public:
         QString outputFile;
         qint64 probeBytes = 0;
         qint64 analyzeMicroseconds = 0;
+        // True when every part of the join is known to be a program stream:
+        // the tool is told so, and it keeps none of the packets it reads
+        // while it probes (it reads a program stream again from its start
+        // once it has decided), so that the probe costs no memory.
+        bool programStream = false;
         StepCheck check;  // for the tool's step
     };
 

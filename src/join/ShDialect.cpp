@@ -71,12 +71,17 @@ namespace {
 // for a stream that first appears in a late part, a second language that
 // starts in the last part of a title); it keeps every stream in the order of
 // the sources but for the data streams (DVD navigation packets), which a
-// program stream cannot carry; and it copies them unchanged.
+// program stream cannot carry; and it copies them unchanged. A join known to
+// be a program stream is read as one, and the tool keeps none of the packets
+// it probes: it reads a program stream again from its start once it has
+// decided, so that the probe costs reading time and no memory.
 QString remakeOptions(const ScriptDialect::MpegRemake& remake) {
-    return QStringLiteral(" -analyzeduration ") + QString::number(remake.analyzeMicroseconds) +
-           QStringLiteral(" -probesize ") + QString::number(remake.probeBytes) +
-           QStringLiteral(" -i ") + ShDialect::quote(remake.tempFile) +
-           QStringLiteral(" -map 0 -map -0:d -c copy");
+    const QString input =
+        remake.programStream ? QStringLiteral(" -fflags nobuffer -f mpeg") : QString();
+    return input + QStringLiteral(" -analyzeduration ") +
+           QString::number(remake.analyzeMicroseconds) + QStringLiteral(" -probesize ") +
+           QString::number(remake.probeBytes) + QStringLiteral(" -i ") +
+           ShDialect::quote(remake.tempFile) + QStringLiteral(" -map 0 -map -0:d -c copy");
 }
 }  // namespace
 

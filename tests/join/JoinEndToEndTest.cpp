@@ -443,10 +443,12 @@ protected:
     }
 
     // The probe of the remake as the last remake line of the debug log gives
-    // it: the bytes and the play time read before the streams are decided.
+    // it: the bytes and the play time read before the streams are decided,
+    // in a line that reads the join as a program stream and holds nothing of
+    // the probe.
     static std::pair<qint64, qint64> remakeProbeIn(const QString& logText) {
-        static const QRegularExpression remakeLine(
-            QStringLiteral("\\n2BAT=[^\\n]* -analyzeduration (\\d+) -probesize (\\d+) "));
+        static const QRegularExpression remakeLine(QStringLiteral(
+            "\\n2BAT=[^\\n]* -fflags nobuffer -f mpeg -analyzeduration (\\d+) -probesize (\\d+) "));
         QRegularExpressionMatch last;
         for (const QRegularExpressionMatch& match : remakeLine.globalMatch(logText)) {
             last = match;

@@ -303,11 +303,13 @@ TEST_F(JoinScriptsTest, Sh_Mpeg2V_RemakeScriptWrittenAgain_HoldsTheProbeGivenAnd
     QStringList expected = scriptLines(app("MPEG2.bat"), "\n");
     const QString wholeJoin = remakeOptions();
     const QString probed =
-        " -analyzeduration 31500000 -probesize 5020000 -i " + q(temp) + " -map 0 -map -0:d -c copy";
+        " -fflags nobuffer -f mpeg -analyzeduration 31500000 -probesize "
+        "5020000 -i " +
+        q(temp) + " -map 0 -map -0:d -c copy";
     ASSERT_TRUE(expected[5].contains(wholeJoin));
     expected[5].replace(wholeJoin, probed);
     bed.model.commonDialog.fileName = output;
-    WriteRemakeScript(bed.model, RemakeProbe{5020000, 31500000}, sh);
+    WriteRemakeScript(bed.model, RemakeProbe{5020000, 31500000, true}, sh);
     EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\n"), expected);
 }
 

@@ -94,6 +94,7 @@ TEST_F(RemakeProbeTest, ProbeOfJoin_StreamsAllInTheFirstPart_TheirDepthAndTheMar
         ScanJoinParts({write("one.vob", one.bytes), write("two.vob", two.bytes)});
     const RemakeProbe probe = ProbeOfJoin(map);
     EXPECT_EQ(probe.probeBytes, one.firstAt[0x1c0] + 5000000);
+    EXPECT_TRUE(probe.programStream);
     // Twice the clock there (one second) and half a minute.
     EXPECT_EQ(probe.analyzeMicroseconds, 32000000);
 }
@@ -141,6 +142,7 @@ TEST_F(RemakeProbeTest, ProbeOfJoin_PartThatIsNoProgramStreamOrAPipe_ReadsTheWho
     const RemakeProbe probe = ProbeOfJoin(map);
     EXPECT_EQ(probe.probeBytes, one.bytes.size() + noise.size());
     EXPECT_EQ(probe.analyzeMicroseconds, kHundredHours);
+    EXPECT_FALSE(probe.programStream);
 
     const QString pipe = dir.filePath("pipe.vob");
     ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
@@ -151,6 +153,7 @@ TEST_F(RemakeProbeTest, WholeJoinProbe_SmallJoin_ReadsWhatTheToolReadsByItselfAt
     EXPECT_EQ(WholeJoinProbe(20000).probeBytes, 5000000);
     EXPECT_EQ(WholeJoinProbe(3000000000).probeBytes, 3000000000);
     EXPECT_EQ(WholeJoinProbe(3000000000).analyzeMicroseconds, kHundredHours);
+    EXPECT_FALSE(WholeJoinProbe(3000000000).programStream);
 }
 
 TEST_F(RemakeProbeTest, ScanJoinParts_StopAsked_MapIsNotWhole) {

@@ -100,6 +100,13 @@ TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
               "'/a/MPEG2.exe' -nostdin -analyzeduration 31500000 -probesize 5020000 -i "
               "'/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f mpeg -y '/o/t' < /dev/null" +
                   QString(kFixCheckTail));
+    // A join known to be a program stream is read as one, keeping nothing of the probe.
+    remake.programStream = true;
+    EXPECT_EQ(sh.mpeg2FixLine(remake),
+              "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -fflags nobuffer -f mpeg -analyzeduration "
+              "31500000 -probesize 5020000 -i '/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f vob -y "
+              "'/o/t' < /dev/null" +
+                  QString(kFixCheckTail));
 }
 
 }  // namespace
