@@ -5,11 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 
 namespace {
 
-// The buffer: read a megabyte at a time, whatever the size of the file.
-constexpr std::int64_t kBufferBytes = std::int64_t{1} << 20;
+// The buffer: read a quarter of a megabyte at a time, whatever the size of the file.
+constexpr std::int64_t kBufferBytes = std::int64_t{1} << 18;
 // The system clock reference counts 27 MHz and wraps at 2^33 of its 90 kHz base.
 constexpr std::int64_t kClockHz = 27000000;
 constexpr std::int64_t kClockWrap = (std::int64_t{1} << 33) * 300;
@@ -35,7 +36,9 @@ bool carriesStream(int code) {
 class Walker {
 public:
     Walker(const ByteReader& read, const ScanStop& stop)
-        : read_(read), stop_(stop), buffer_(static_cast<std::size_t>(kBufferBytes)) {}
+        : read_(read),
+          stop_(stop),
+          buffer_(std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(kBufferBytes))) {}
 
     ProgramStreamMap run();
 
@@ -57,7 +60,7 @@ private:
 
     const ByteReader& read_;
     const ScanStop& stop_;
-    std::vector<char> buffer_;
+    std::unique_ptr<char[]> buffer_;
     std::int64_t base_ = 0;  // where buffer_[0] lies in the file
     std::int64_t pos_ = 0;   // the next byte to look at, in buffer_
     std::int64_t end_ = 0;   // the end of the bytes in buffer_
@@ -77,7 +80,7 @@ bool Walker::fill(std::int64_t need) {
         return true;
     }
     if (pos_ > 0) {
-        std::memmove(buffer_.data(), buffer_.data() + pos_, static_cast<std::size_t>(end_ - pos_));
+        std::memmove(buffer_.get(), buffer_.get() + pos_, static_cast<std::size_t>(end_ - pos_));
         base_ += pos_;
         end_ -= pos_;
         pos_ = 0;
@@ -87,7 +90,7 @@ bool Walker::fill(std::int64_t need) {
             ended_ = broken_ = true;
             break;
         }
-        const std::int64_t count = read_(buffer_.data() + end_, kBufferBytes - end_);
+        const std::int64_t count = read_(buffer_.get() + end_, kBufferBytes - end_);
         if (count <= 0) {
             ended_ = true;
             broken_ = broken_ || count < 0;
@@ -113,7 +116,7 @@ void Walker::skip(std::int64_t count) {
             ended_ = broken_ = true;
             return;
         }
-        const std::int64_t read = read_(buffer_.data(), kBufferBytes);
+        const std::int64_t read = read_(buffer_.get(), kBufferBytes);
         if (read <= 0) {
             ended_ = true;
             broken_ = broken_ || read < 0;
