@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QStringList>
-#include <atomic>
-#include <stop_token>
-#include <thread>
+#include <memory>
 
 #include "join/RemakeProbe.h"
 
@@ -11,8 +9,9 @@
 // the run go on meanwhile. The run starts it with the first script, whose
 // copy reads the same bytes at the same time (the system's file cache serves
 // the second reader), and asks for the map before the remake starts. The
-// destructor ends a scan still running and waits for it: a read of a
-// regular file ends within a buffer's time.
+// destructor tells a scan still running to stop and does not wait for it: the
+// thread ends at its next read and drops what it found, so that a cancel or a
+// close never waits on a slow disk.
 class RemakeProbeScan {
 public:
     explicit RemakeProbeScan(QStringList parts);
@@ -20,18 +19,13 @@ public:
     RemakeProbeScan(const RemakeProbeScan&) = delete;
     RemakeProbeScan& operator=(const RemakeProbeScan&) = delete;
 
-    const QStringList& parts() const { return parts_; }
+    const QStringList& parts() const;
     // True once the map is there (whole, or stopped short).
-    bool finished() const { return finished_.load(std::memory_order_acquire); }
+    bool finished() const;
     // The map: only once finished.
-    const JoinStreamMap& map() const { return map_; }
+    const JoinStreamMap& map() const;
 
 private:
-    void scan(const std::stop_token& stop);
-
-    const QStringList parts_;
-    JoinStreamMap map_;
-    std::atomic<bool> finished_{false};
-    // Last, so that it ends before the members it writes.
-    std::jthread worker_;
+    struct Scan;
+    std::shared_ptr<Scan> scan_;
 };
