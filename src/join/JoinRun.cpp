@@ -14,6 +14,7 @@
 #include "join/JoinProgress.h"
 #include "join/JoinScripts.h"
 #include "join/JoinWizardState.h"
+#include "join/RemakeProbeScan.h"
 #include "join/RemakeStreams.h"
 #include "list/CellValues.h"
 #include "list/MainModel.h"
@@ -130,6 +131,7 @@ void JoinRun::load(bool ownTimers) {
     firstScript_->setOutputDiscarded(true);
     firstScript_->command(scriptShell(), {AppDataPath(JoinNames::kTempFileScript)});
     firstScriptPid_ = firstScript_->processId();
+    startProbeScan();
     if (!LogPath().isEmpty()) {
         LogEvent(QStringLiteral("BAT1 Launched."), 4);
         LogEvent(QStringLiteral("OutputFile=") + OutputFilePath(model_), 4);
@@ -167,6 +169,9 @@ void JoinRun::tick() {
             fail(*failure);
             return;
         }
+        if (probeScan_ && !probeScan_->finished()) {
+            return;  // the remake waits for the map of the streams
+        }
         startOperation2();
         if (failed_) {
             return;
@@ -189,6 +194,7 @@ void JoinRun::startOperation2() {
     // MP3.bat, MPEG2.bat, or MPEG.bat where MPEG-1 video is remade.
     const QString script = FixScriptName(model_);
     if (!script.isEmpty()) {
+        writeRemakeProbe();
         // The fix script's marker: the script removes it at its end.
         makeMarker();
         delete launcher_;
@@ -234,6 +240,34 @@ void JoinRun::failOnGoneShell() {
                             *shell));
 }
 
+// A remake reads the join only as far as its streams first appear: the
+// parts are scanned for them while the first script copies them.
+void JoinRun::startProbeScan() {
+    probeScan_.reset();
+    if (!IsRemakeScript(FixScriptName(model_))) {
+        return;
+    }
+    probeScan_ = std::make_unique<RemakeProbeScan>(ItemPaths(model_));
+}
+
+// The map of the streams in the debug log, and the remake script written
+// again with the probe that the map gives. A map that does not speak for the
+// whole join leaves the script as the pre-flight wrote it, reading the whole
+// join.
+void JoinRun::writeRemakeProbe() {
+    if (!probeScan_) {
+        return;
+    }
+    const JoinStreamMap& map = probeScan_->map();
+    for (const QString& record : JoinStreamRecords(map, probeScan_->parts())) {
+        log(record);
+    }
+    if (map.whole) {
+        WriteRemakeScript(model_, ProbeOfJoin(map));
+    }
+    probeScan_.reset();
+}
+
 std::optional<JoinFailure> JoinRun::postCheck() {
     if (FixScriptName(model_).isEmpty()) {
         // TempFile took the final name at the start of JoinOperation 2.
@@ -258,6 +292,7 @@ std::optional<JoinFailure> JoinRun::postCheck() {
 
 void JoinRun::fail(const JoinFailure& failure) {
     failed_ = true;
+    probeScan_.reset();
     state_.setTimerEnabled(false);
     log(JoinFailedLogRecord(failure));
     const QList<LeftBehindFile> left = DeleteFailedJoinOutput(model_);
@@ -283,6 +318,7 @@ void JoinRun::dataReceived(const QString& text) {
 
 void JoinRun::cancelClicked() {
     state_.setTimerEnabled(false);
+    probeScan_.reset();
     RemoveMarkerAndScripts();
     // A shell goes on reading a script that was deleted under it, so the shell
     // of the first script is ended with it, and so is the fix script's

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "join/JoinFailure.h"
@@ -13,6 +14,7 @@
 struct MainModel;
 class JoinWizardState;
 class ProcessRunner;
+class RemakeProbeScan;
 
 // The run of a join, from the launch of the first script to the finished or
 // cancelled wizard. A 10 ms timer carries it through tick(); a 1 s clock
@@ -90,6 +92,8 @@ public:
     static QString setScriptShell(const QString& shell);
 
 private:
+    void startProbeScan();
+    void writeRemakeProbe();
     void startOperation2();
     // The shell of the running JoinOperation's script: the first script's in
     // JoinOperation 1, the fix script's in JoinOperation 2 (none when nothing
@@ -127,4 +131,7 @@ private:
     ProcessRunner* firstScript_ = nullptr;
     ProcessRunner* launcher_ = nullptr;
     qint64 firstScriptPid_ = 0;
+    // The scan of the parts for where their streams first appear, while the
+    // first script of a remade MPEG join runs.
+    std::unique_ptr<RemakeProbeScan> probeScan_;
 };

@@ -8,6 +8,7 @@
 #include "app/DebugLog.h"
 #include "app/Settings.h"
 #include "app/Version.h"
+#include "join/RemakeProbe.h"
 #include "join/ShDialect.h"
 #include "list/CellValues.h"
 #include "list/Columns.h"
@@ -95,6 +96,40 @@ void writeMp3Sources(const MainModel& model) {
     }
 }
 
+// The remake script: MPEG2.bat for MPEG-2 video, MPEG.bat for MPEG-1 video
+// where the dialect remakes it, both through the MPEG-2 tool, in one step.
+// OUTPUT is TempFile less its 8-character suffix. Logs the tool's line.
+void writeRemakeScript(const MainModel& model, const ScriptDialect& d, const QString& tempFile,
+                       const RemakeProbe& probe) {
+    using namespace JoinNames;
+    const QString fixScript = FixScriptName(model, d);
+    const bool mpeg1 = fixScript == kMpeg1Script;
+    const QString appData = AppDataFolder();
+    const QString script = d.childPath(appData, fixScript);
+    ScriptDialect::MpegRemake remake;
+    remake.tool = d.childPath(appData, kMpeg2Tool);
+    remake.tempFile = tempFile;
+    remake.outputFile = tempFile.left(tempFile.size() - 8);
+    remake.probeBytes = probe.probeBytes;
+    remake.analyzeMicroseconds = probe.analyzeMicroseconds;
+    remake.programStream = probe.programStream;
+    remake.check.step = 1;
+    remake.check.failureRecord = d.childPath(appData, kFailureRecord);
+    remake.check.markerFolder = d.childPath(appData, kMarkerFolder);
+    const QString fixLine = mpeg1 ? d.mpeg1FixLine(remake) : d.mpeg2FixLine(remake);
+    const QString kind = mpeg1 ? QStringLiteral("MPEG1") : QStringLiteral("MPEG2");
+    QStringList lines = d.headLines(Version::kPublisherHost);
+    lines << d.echoLine(QStringLiteral("Fixing ") + kind + QStringLiteral(" File..."));
+    lines << d.stopIfGoneLines(script);
+    lines << fixLine;
+    lines << d.echoLine(kind + QStringLiteral(" File has been fixed!"));
+    lines << d.stopIfGoneLines(script);
+    lines << d.removeMarkerLine(remake.check.markerFolder);
+    lines << d.exitLine();
+    writeScript(AppDataPath(fixScript), lines, d);
+    log(QStringLiteral("2BAT=") + fixLine);
+}
+
 }  // namespace
 
 bool FirstScriptCopiesBytes(const MainModel& model, const ScriptDialect& dialect) {
@@ -103,6 +138,15 @@ bool FirstScriptCopiesBytes(const MainModel& model, const ScriptDialect& dialect
 
 bool FirstScriptCopiesBytes(const MainModel& model) {
     return FirstScriptCopiesBytes(model, PlatformDialect());
+}
+
+QStringList ItemPaths(const MainModel& model) {
+    QStringList paths;
+    paths.reserve(model.items.count());
+    for (int position = 1; position <= model.items.count(); ++position) {
+        paths << model.items.cell(position, SharedCell::Filepath);
+    }
+    return paths;
 }
 
 qint64 ItemBytesOnDisk(const MainModel& model) {
@@ -145,6 +189,10 @@ QString FixScriptName(const MainModel& model, const ScriptDialect& dialect) {
 
 QString FixScriptName(const MainModel& model) {
     return FixScriptName(model, PlatformDialect());
+}
+
+bool IsRemakeScript(const QString& scriptName) {
+    return scriptName == JoinNames::kMpeg2Script || scriptName == JoinNames::kMpeg1Script;
 }
 
 bool IsMpeg2VideoList(const MainModel& model) {
@@ -199,13 +247,8 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
     const QString fixScript = FixScriptName(model, d);
     if (!FirstScriptCopiesBytes(model, d)) {
         copyFromInstallFolder(kMpegToolSource, kMpegTool);
-        QStringList items;
-        items.reserve(count);
-        for (int position = 1; position <= count; ++position) {
-            items << model.items.cell(position, SharedCell::Filepath);
-        }
         lines << d.stopIfGoneLines(firstScript);
-        lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), items, tempFile);
+        lines << d.mpegJoinLine(d.childPath(appData, kMpegTool), ItemPaths(model), tempFile);
     } else {
         // Each copy is a step of its own: a copy that fails names its item.
         ScriptDialect::StepCheck copyCheck = check;
@@ -254,39 +297,30 @@ void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptD
         writeScript(AppDataPath(kMp3Script), lines, d);
         return;
     }
-    if (fixScript == kMpeg2Script || fixScript == kMpeg1Script) {
-        // MPEG-1 video, where the dialect remakes it, takes the same way as
-        // MPEG-2 video, in a script of its own.
-        const bool mpeg1 = fixScript == kMpeg1Script;
+    if (IsRemakeScript(fixScript)) {
         copyFromInstallFolder(kMpeg2ToolSource, kMpeg2Tool);
         copyFromInstallFolder(kMpeg2Library, kMpeg2Library);
-        const QString script = d.childPath(appData, fixScript);
-        ScriptDialect::MpegRemake remake;
-        remake.tool = d.childPath(appData, kMpeg2Tool);
-        remake.tempFile = tempFile;
-        remake.outputFile = output;
-        remake.probeBytes = ItemBytesOnDisk(model);
-        remake.check = check;
-        const QString fixLine = mpeg1 ? d.mpeg1FixLine(remake) : d.mpeg2FixLine(remake);
-        const QString kind = mpeg1 ? QStringLiteral("MPEG1") : QStringLiteral("MPEG2");
-        lines = head;
-        lines << d.echoLine(QStringLiteral("Fixing ") + kind + QStringLiteral(" File..."));
-        lines << d.stopIfGoneLines(script);
-        lines << fixLine;
-        lines << d.echoLine(kind + QStringLiteral(" File has been fixed!"));
-        lines << d.stopIfGoneLines(script);
-        lines << d.removeMarkerLine(marker);
-        lines << d.exitLine();
-        writeScript(AppDataPath(fixScript), lines, d);
+        // Before the streams are known, the remake reads the whole join.
+        writeRemakeScript(model, d, tempFile, WholeJoinProbe(ItemBytesOnDisk(model)));
         // The record names a delete that no script holds: TempFile is removed
         // by the run once it has looked at what the tool left.
-        log(QStringLiteral("2BAT=") + fixLine);
         log(QStringLiteral("2BAT=") + d.deleteFileLine(tempFile));
     }
 }
 
 void WriteJoinScripts(const MainModel& model, QString& outputFile) {
     WriteJoinScripts(model, outputFile, PlatformDialect());
+}
+
+void WriteRemakeScript(const MainModel& model, const RemakeProbe& probe,
+                       const ScriptDialect& dialect) {
+    if (IsRemakeScript(FixScriptName(model, dialect))) {
+        writeRemakeScript(model, dialect, TempFilePath(model), probe);
+    }
+}
+
+void WriteRemakeScript(const MainModel& model, const RemakeProbe& probe) {
+    WriteRemakeScript(model, probe, PlatformDialect());
 }
 
 void WriteJoinScripts(const MainModel& model) {

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 struct MainModel;
+struct RemakeProbe;
 class ScriptDialect;
 
 // The JoinCase of the list as it stands: worked out anew on every call from the
@@ -55,11 +56,18 @@ QString FixScriptName(const MainModel& model, const ScriptDialect& dialect);
 // The same in the platform's dialect, the one the run launches.
 QString FixScriptName(const MainModel& model);
 
+// True for the fix scripts in which the MPEG-2 tool remakes the raw join:
+// MPEG2.bat, and MPEG.bat where MPEG-1 video is remade.
+bool IsRemakeScript(const QString& scriptName);
+
 // True when the first script joins the items by byte copies, so that TempFile
 // must hold exactly the bytes of the items (every case but MPEG-1 video in a
 // dialect that joins it with the MPEG-1 joiner).
 bool FirstScriptCopiesBytes(const MainModel& model, const ScriptDialect& dialect);
 bool FirstScriptCopiesBytes(const MainModel& model);
+
+// The items' paths (their Filepath cells), in list order.
+QStringList ItemPaths(const MainModel& model);
 
 // The sum of the sizes of the items' files as they are now.
 qint64 ItemBytesOnDisk(const MainModel& model);
@@ -87,5 +95,13 @@ const ScriptDialect& PlatformDialect();
 void WriteJoinScripts(const MainModel& model, QString& outputFile, const ScriptDialect& dialect);
 // The same in the platform's dialect.
 void WriteJoinScripts(const MainModel& model, QString& outputFile);
+// Writes the remake script of the list anew, for TempFile and OutputFile as
+// the shared dialog names them, with the given probe, and logs its line
+// ("2BAT="). WriteJoinScripts writes it with the probe of the whole join;
+// the run writes it again once it knows where the join's streams first
+// appear. Nothing for a list whose JoinOperation 2 is no remake.
+void WriteRemakeScript(const MainModel& model, const RemakeProbe& probe,
+                       const ScriptDialect& dialect);
+void WriteRemakeScript(const MainModel& model, const RemakeProbe& probe);
 // The same with a private copy of OutputFile from the shared dialog.
 void WriteJoinScripts(const MainModel& model);

@@ -33,14 +33,20 @@ public:
     };
 
     // What the MPEG remake works with: the MPEG-2 tool, the two files of the
-    // join, and how many bytes of the join the tool reads before it decides
-    // which streams there are (the whole join, so that a stream that starts
-    // only in a late part is found too).
+    // join, and how much of the join the tool reads before it decides which
+    // streams there are: the bytes, and the play time (in microseconds) that
+    // must not end the reading before the bytes do (see RemakeProbe).
     struct MpegRemake {
         QString tool;
         QString tempFile;
         QString outputFile;
         qint64 probeBytes = 0;
+        qint64 analyzeMicroseconds = 0;
+        // True when every part of the join is known to be a program stream:
+        // the tool is told so, and it keeps none of the packets it reads
+        // while it probes (it reads a program stream again from its start
+        // once it has decided), so that the probe costs no memory.
+        bool programStream = false;
         StepCheck check;  // for the tool's step
     };
 

@@ -1,7 +1,5 @@
 #include "join/ShDialect.h"
 
-#include <algorithm>
-
 namespace {
 const QString kNoInput = QStringLiteral(" < /dev/null");
 }  // namespace
@@ -71,19 +69,20 @@ QStringList ShDialect::mp3FixLines(const Mp3Fix& fix) const {
 
 namespace {
 // The options of a remake by the MPEG-2 tool: it reads as far into the join
-// as the join goes before it decides which streams there are, so that a
-// stream that first appears in a late part (a second language that starts in
-// the last part of a title) is found; it keeps every stream in the order of
+// as the probe says before it decides which streams there are (far enough
+// for a stream that first appears in a late part, a second language that
+// starts in the last part of a title); it keeps every stream in the order of
 // the sources but for the data streams (DVD navigation packets), which a
-// program stream cannot carry; and it copies them unchanged.
+// program stream cannot carry; and it copies them unchanged. A join known to
+// be a program stream is read as one, and the tool keeps none of the packets
+// it probes: it reads a program stream again from its start once it has
+// decided, so that the probe costs reading time and no memory.
 QString remakeOptions(const ScriptDialect::MpegRemake& remake) {
-    // The reading is bounded by the bytes; the time only must not stop it
-    // first (a hundred hours, in microseconds).
-    constexpr qint64 kAnalyzeMicroseconds = 360000000000;
-    constexpr qint64 kLeastProbeBytes = 5000000;
-    return QStringLiteral(" -analyzeduration ") + QString::number(kAnalyzeMicroseconds) +
-           QStringLiteral(" -probesize ") +
-           QString::number(std::max(remake.probeBytes, kLeastProbeBytes)) + QStringLiteral(" -i ") +
+    const QString input =
+        remake.programStream ? QStringLiteral(" -fflags nobuffer -f mpeg") : QString();
+    return input + QStringLiteral(" -analyzeduration ") +
+           QString::number(remake.analyzeMicroseconds) + QStringLiteral(" -probesize ") +
+           QString::number(remake.probeBytes) + QStringLiteral(" -i ") +
            ShDialect::quote(remake.tempFile) + QStringLiteral(" -map 0 -map -0:d -c copy");
 }
 }  // namespace

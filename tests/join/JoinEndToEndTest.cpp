@@ -4,6 +4,7 @@
 #include <QCryptographicHash>
 #include <QLocale>
 #include <QMap>
+#include <QRegularExpression>
 
 #include "join/JoinRunTestBed.h"
 #include "join/StartJoin.h"
@@ -348,23 +349,34 @@ protected:
     // A part of a title as a disc holds it: 4 seconds of video (MPEG-2 at
     // 720x576 in a program stream with DVD navigation packets, or MPEG-1 at
     // 352x288 in an MPEG-1 system stream) and one audio track per codec given
-    // ("ac3", "mp2"), each of its own tone and language.
-    QString makeTitlePart(const QString& name, int version, const QStringList& audioCodecs) {
+    // ("ac3", "mp2"), each of its own tone and language. With a constant
+    // video rate (kbit/s) the encoder fills every picture up to it, so that a
+    // few seconds make megabytes.
+    QString makeTitlePart(const QString& name, int version, const QStringList& audioCodecs,
+                          int seconds = 4, int constantKbps = 0) {
         const QString path = bed.media + u'/' + name;
-        QStringList args = {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
-                            version == 2
-                                ? QStringLiteral("testsrc=size=720x576:rate=25:duration=4")
-                                : QStringLiteral("testsrc=size=352x288:rate=25:duration=4")};
+        QStringList args = {
+            QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+            (version == 2 ? QStringLiteral("testsrc=size=720x576:rate=25:duration=%1")
+                          : QStringLiteral("testsrc=size=352x288:rate=25:duration=%1"))
+                .arg(seconds)};
         for (qsizetype i = 0; i < audioCodecs.size(); ++i) {
             args << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
-                 << QStringLiteral("sine=frequency=%1:sample_rate=48000:duration=4")
-                        .arg(440 + 110 * i);
+                 << QStringLiteral("sine=frequency=%1:sample_rate=48000:duration=%2")
+                        .arg(440 + 110 * i)
+                        .arg(seconds);
         }
         for (qsizetype i = 0; i <= audioCodecs.size(); ++i) {
             args << QStringLiteral("-map") << QString::number(i);
         }
         args << QStringLiteral("-c:v")
              << (version == 2 ? QStringLiteral("mpeg2video") : QStringLiteral("mpeg1video"));
+        if (constantKbps > 0) {
+            const QString rate = QStringLiteral("%1k").arg(constantKbps);
+            args << QStringLiteral("-b:v") << rate << QStringLiteral("-minrate") << rate
+                 << QStringLiteral("-maxrate") << rate << QStringLiteral("-bufsize")
+                 << QStringLiteral("1835k");
+        }
         static const QStringList kLanguages = {QStringLiteral("eng"), QStringLiteral("fre"),
                                                QStringLiteral("ger")};
         for (qsizetype i = 0; i < audioCodecs.size(); ++i) {
@@ -415,6 +427,7 @@ protected:
         expectMpegJoin(parts, output, true);
         expectCleanEnd(output);
         const QString text = QString::fromUtf8(JoinRunTestBed::readFile(log));
+        titleLog = text;
         for (const QString& stream : leftOut) {
             EXPECT_TRUE(text.contains(QStringLiteral("\nLeft out: ") + stream))
                 << stream.toStdString();
@@ -429,8 +442,63 @@ protected:
                                    QStringLiteral("-of"), QStringLiteral("compact"), output})));
     }
 
+    // The probe of the remake as the last remake line of the debug log gives
+    // it: the bytes and the play time read before the streams are decided,
+    // in a line that reads the join as a program stream and holds nothing of
+    // the probe.
+    static std::pair<qint64, qint64> remakeProbeIn(const QString& logText) {
+        static const QRegularExpression remakeLine(QStringLiteral(
+            "\\n2BAT=[^\\n]* -fflags nobuffer -f mpeg -analyzeduration (\\d+) -probesize (\\d+) "));
+        QRegularExpressionMatch last;
+        for (const QRegularExpressionMatch& match : remakeLine.globalMatch(logText)) {
+            last = match;
+        }
+        EXPECT_TRUE(last.hasMatch()) << logText.toStdString();
+        return {last.captured(2).toLongLong(), last.captured(1).toLongLong()};
+    }
+
+    // Where the first packet of each of the given packet streams starts in a
+    // file, found by a plain search for its start code: 0xbd private stream
+    // 1, 0xbf navigation, 0xc0 the first MPEG audio track, 0xe0 video. The
+    // deepest of them; -1 when one is not there.
+    static qint64 deepestStartCode(const QString& path, const QList<int>& codes) {
+        const QByteArray bytes = JoinRunTestBed::readFile(path);
+        qint64 deepest = 0;
+        for (const int code : codes) {
+            const qsizetype at =
+                bytes.indexOf(QByteArray("\x00\x00\x01", 3) + static_cast<char>(code));
+            if (at < 0) {
+                return -1;
+            }
+            deepest = std::max<qint64>(deepest, at);
+        }
+        return deepest;
+    }
+
+    // The remake of the title read up to the deepest first appearance of its
+    // streams (depth, in the raw join) and the margin of 5,000,000 bytes, not
+    // the whole join; its play time twice the seconds before that part and
+    // half a minute, and no more than that.
+    void expectProbeBoundedByTheDeepestStream(const QStringList& parts, qint64 depth,
+                                              double secondsBefore) {
+        qint64 joinBytes = 0;
+        for (const QString& part : parts) {
+            joinBytes += QFileInfo(part).size();
+        }
+        const auto [probeBytes, analyzeMicroseconds] = remakeProbeIn(titleLog);
+        EXPECT_EQ(probeBytes, depth + 5000000);
+        EXPECT_LT(probeBytes, joinBytes);
+        EXPECT_GE(analyzeMicroseconds, (2 * secondsBefore * 0.95 + 30) * 1e6);
+        EXPECT_LE(analyzeMicroseconds, (2 * secondsBefore * 1.05 + 31) * 1e6);
+        std::printf(
+            "[ remake probe ] %lld of %lld bytes, %.3f s analysed; deepest stream at %lld\n",
+            static_cast<long long>(probeBytes), static_cast<long long>(joinBytes),
+            analyzeMicroseconds / 1e6, static_cast<long long>(depth));
+    }
+
     JoinRunTestBed bed;
     QMap<QString, QByteArray> hashes;
+    QString titleLog;
 
     // Starts the join of the filled list into output, cancels as soon as a
     // tool of Operation 2 runs, and checks that the run ends "Cancelled!" with
@@ -521,6 +589,35 @@ TEST_F(JoinEndToEndTest, DvdTitleWhoseSecondAudioStartsInTheLastPart_KeepsIt) {
                                              {QStringLiteral("ac3"), QStringLiteral("mp2")})};
     joinTitle(parts, QStringLiteral("MPEG-2V"), {"video:mpeg2video", "audio:ac3", "audio:mp2"},
               {"Stream #0:0[0x1bf]: Data: dvd_nav_packet"});
+}
+
+TEST_F(JoinEndToEndTest, DvdTitleOfTensOfMegabytes_RemakeReadsOnlyUpToTheFirstPartsStreams) {
+    const QStringList ac3AndMp2 = {QStringLiteral("ac3"), QStringLiteral("mp2")};
+    const QStringList parts = {
+        makeTitlePart(QStringLiteral("VTS_03_1.VOB"), 2, ac3AndMp2, 10, 8000),
+        makeTitlePart(QStringLiteral("VTS_03_2.VOB"), 2, ac3AndMp2, 10, 8000),
+        makeTitlePart(QStringLiteral("VTS_03_3.VOB"), 2, ac3AndMp2, 10, 8000)};
+    joinTitle(parts, QStringLiteral("MPEG-2V"), {"video:mpeg2video", "audio:ac3", "audio:mp2"},
+              {"Stream #0:0[0x1bf]: Data: dvd_nav_packet"});
+    const qint64 depth = deepestStartCode(parts[0], {0xbd, 0xbf, 0xc0, 0xe0});
+    ASSERT_GE(depth, 0);
+    expectProbeBoundedByTheDeepestStream(parts, depth, 0);
+}
+
+TEST_F(JoinEndToEndTest, DvdTitleOfTensOfMegabytes_SecondAudioFirstInTheLastPart_ProbeReachesIt) {
+    const QStringList ac3 = {QStringLiteral("ac3")};
+    const QStringList parts = {
+        makeTitlePart(QStringLiteral("VTS_04_1.VOB"), 2, ac3, 10, 8000),
+        makeTitlePart(QStringLiteral("VTS_04_2.VOB"), 2, ac3, 10, 8000),
+        makeTitlePart(QStringLiteral("VTS_04_3.VOB"), 2,
+                      {QStringLiteral("ac3"), QStringLiteral("mp2")}, 10, 8000)};
+    joinTitle(parts, QStringLiteral("MPEG-2V"), {"video:mpeg2video", "audio:ac3", "audio:mp2"},
+              {"Stream #0:0[0x1bf]: Data: dvd_nav_packet"});
+    const qint64 inLastPart = deepestStartCode(parts[2], {0xc0});
+    ASSERT_GE(inLastPart, 0);
+    const qint64 depth = QFileInfo(parts[0]).size() + QFileInfo(parts[1]).size() + inLastPart;
+    expectProbeBoundedByTheDeepestStream(parts, depth,
+                                         ffprobeSeconds(parts[0]) + ffprobeSeconds(parts[1]));
 }
 
 TEST_F(JoinEndToEndTest, Mpeg1WithTwoAudioTracks_KeepsBoth) {

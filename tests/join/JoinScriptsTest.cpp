@@ -7,6 +7,7 @@
 #include "join/BatchDialect.h"
 #include "join/JoinCleanup.h"
 #include "join/JoinScripts.h"
+#include "join/RemakeProbe.h"
 #include "join/ShDialect.h"
 #include "mpegaudio/JoinSources.h"
 
@@ -292,6 +293,32 @@ TEST_F(JoinScriptsTest, Sh_Mpeg2V_WritesCatLinesAndRemuxScriptLineForLine) {
         "rmdir " + q(app("JoinTemp")) + " < /dev/null",
         "exit"};
     EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\n"), expectedFix);
+}
+
+TEST_F(JoinScriptsTest, Sh_Mpeg2V_RemakeScriptWrittenAgain_HoldsTheProbeGivenAndNothingElseNew) {
+    items = {bed.media + "/a.mpg", bed.media + "/b.mpg"};
+    bed.makeMpegList(items, "MPEG-2V");
+    temp = output + ".vlr.mpg";
+    write(sh);
+    QStringList expected = scriptLines(app("MPEG2.bat"), "\n");
+    const QString wholeJoin = remakeOptions();
+    const QString probed =
+        " -fflags nobuffer -f mpeg -analyzeduration 31500000 -probesize "
+        "5020000 -i " +
+        q(temp) + " -map 0 -map -0:d -c copy";
+    ASSERT_TRUE(expected[5].contains(wholeJoin));
+    expected[5].replace(wholeJoin, probed);
+    bed.model.commonDialog.fileName = output;
+    WriteRemakeScript(bed.model, RemakeProbe{5020000, 31500000, true}, sh);
+    EXPECT_EQ(scriptLines(app("MPEG2.bat"), "\n"), expected);
+}
+
+TEST_F(JoinScriptsTest, Mp3List_RemakeScriptWrittenAgain_WritesNothing) {
+    bed.makeMp3List(items);
+    bed.model.commonDialog.fileName = output;
+    WriteRemakeScript(bed.model, RemakeProbe{5020000, 31500000}, sh);
+    EXPECT_FALSE(QFile::exists(app("MPEG2.bat")));
+    EXPECT_FALSE(QFile::exists(app("MPEG.bat")));
 }
 
 TEST_F(JoinScriptsTest, Sh_OtherMpeg_WritesCatLinesOnlyAndCopiesNoTool) {

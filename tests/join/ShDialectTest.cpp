@@ -99,18 +99,27 @@ TEST(ShDialect, ToolLines_UseTheOptionsOfTheInstalledTools) {
     remake.tempFile = "/o/t.vlr.mpg";
     remake.outputFile = "/o/t";
     remake.probeBytes = 3000000000;
+    remake.analyzeMicroseconds = 360000000000;
     remake.check = fixCheck();
-    // Every stream but data streams, in their order, found in the whole join.
+    // Every stream but data streams, in their order, found within the probe.
     EXPECT_EQ(sh.mpeg2FixLine(remake),
               "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -analyzeduration 360000000000 -probesize "
               "3000000000 -i '/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f vob -y '/o/t' < /dev/null" +
                   QString(kFixCheckTail));
     EXPECT_TRUE(sh.remakesMpeg1());
-    // A small join is read as far as the tool reads by itself at the least.
-    remake.probeBytes = 20000;
+    // The probe's figures go into the line as they are given.
+    remake.probeBytes = 5020000;
+    remake.analyzeMicroseconds = 31500000;
     EXPECT_EQ(sh.mpeg1FixLine(remake),
-              "'/a/MPEG2.exe' -nostdin -analyzeduration 360000000000 -probesize 5000000 -i "
+              "'/a/MPEG2.exe' -nostdin -analyzeduration 31500000 -probesize 5020000 -i "
               "'/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f mpeg -y '/o/t' < /dev/null" +
+                  QString(kFixCheckTail));
+    // A join known to be a program stream is read as one, keeping nothing of the probe.
+    remake.programStream = true;
+    EXPECT_EQ(sh.mpeg2FixLine(remake),
+              "'/a/MPEG2.exe' -nostdin -stats_period 0.1 -fflags nobuffer -f mpeg -analyzeduration "
+              "31500000 -probesize 5020000 -i '/o/t.vlr.mpg' -map 0 -map -0:d -c copy -f vob -y "
+              "'/o/t' < /dev/null" +
                   QString(kFixCheckTail));
 }
 
