@@ -270,4 +270,12 @@ void BM_SortByDateModified(benchmark::State& state) {
 }
 BENCHMARK(BM_SortByDateModified)->Arg(100000)->Unit(benchmark::kMillisecond);
 
+void BM_SortByDateModifiedTextPeer(benchmark::State& state) {
+    const QDateTime start(QDate(2021, 3, 4), QTime(21, 15));
+    sortBench(state, SharedCell::DateModified, true, [&](QStringList& row, int i) {
+        row[SharedCell::DateModified] = FileDateText(start.addSecs(i * 61));
+    });
+}
+BENCHMARK(BM_SortByDateModifiedTextPeer)->Arg(100000)->Unit(benchmark::kMillisecond);
+
 }  // namespace

@@ -95,8 +95,8 @@ JoinOutcome joinFolder(CliContext& cli, const QString& folder, const QString& ou
     if (name.isEmpty()) {
         name = QStringLiteral("joined");
     }
-    const QString extension =
-        list.listType == ListTypeText(ListType::Mp3) ? QStringLiteral(".mp3") : QStringLiteral(".mpg");
+    const QString extension = list.listType == ListTypeText(ListType::Mp3) ? QStringLiteral(".mp3")
+                                                                           : QStringLiteral(".mpg");
     const QString output = outFolder + u'/' + name + extension;
     const JoinOutcome outcome = JoinListInto(cli, model, output);
     if (outcome == JoinOutcome::Joined) {

@@ -115,9 +115,11 @@ CellValues::CellValues() : CellValues(QLocale()) {}
 CellValues::CellValues(const QLocale& locale)
     : locale_(locale),
       group_(locale.groupSeparator()),
-      dateFormat_(locale.dateTimeFormat(QLocale::ShortFormat)) {
+      dateFormat_(locale.dateTimeFormat(QLocale::ShortFormat)),
+      dateForm_(dateFormat_, locale) {
     twoDigitYears_ =
         dateFormat_.contains(QLatin1String("yy")) && !dateFormat_.contains(QLatin1String("yyyy"));
+    latestYear_ = QDate::currentDate().year() + 20;
 }
 
 std::optional<double> CellValues::number(QStringView text, const QString& unit) const {
@@ -161,23 +163,45 @@ std::optional<qint64> CellValues::year(QStringView year) const {
     return wholeNumber(year);
 }
 
+std::optional<WallClockTime> CellValues::wallClock(QStringView date) const {
+    // The quick reader of a form of numbers first; the locale's own parser
+    // for whatever that does not read.
+    const QStringView text = date.trimmed();
+    std::optional<WallClockTime> read = dateForm_.read(text);
+    if (!read) {
+        const QDateTime parsed = locale_.toDateTime(text.toString(), dateFormat_);
+        if (!parsed.isValid()) {
+            return std::nullopt;
+        }
+        read = WallClockTime{parsed.date(), parsed.time()};
+    }
+    if (twoDigitYears_) {
+        // Two digits read as a year of the 1900s; a file is seldom older than
+        // 80 years, and a clock set wrong seldom more than 20 years ahead.
+        int year = read->date.year();
+        while (year + 100 <= latestYear_) {
+            year += 100;
+        }
+        read->date = read->date.addYears(year - read->date.year());
+    }
+    return read;
+}
+
 std::optional<QDateTime> CellValues::dateModified(QStringView date) const {
-    const QDateTime parsed = locale_.toDateTime(date.trimmed().toString(), dateFormat_);
-    if (!parsed.isValid()) {
+    const std::optional<WallClockTime> read = wallClock(date);
+    if (!read) {
         return std::nullopt;
     }
-    if (!twoDigitYears_) {
-        return parsed;
+    return QDateTime(read->date, read->time);
+}
+
+std::optional<qint64> CellValues::dateModifiedOrder(QStringView date) const {
+    constexpr qint64 kDayMs = 24 * 60 * 60 * 1000;
+    const std::optional<WallClockTime> read = wallClock(date);
+    if (!read) {
+        return std::nullopt;
     }
-    // Two digits read as a year of the 1900s; a file is seldom older than 80
-    // years, and a clock set wrong seldom more than 20 years ahead.
-    const int read = parsed.date().year();
-    const int latest = QDate::currentDate().year() + 20;
-    int year = read;
-    while (year + 100 <= latest) {
-        year += 100;
-    }
-    return parsed.addYears(year - read);
+    return read->date.toJulianDay() * kDayMs + read->time.msecsSinceStartOfDay();
 }
 
 std::optional<VideoSizeValue> CellValues::videoSize(QStringView size) const {

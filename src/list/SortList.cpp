@@ -85,9 +85,8 @@ SortValue valueOf(const CellValues& values, SortBy by, QStringView cell) {
             return year ? SortValue{true, static_cast<double>(*year), 0} : SortValue{};
         }
         case SortBy::Date: {
-            const std::optional<QDateTime> date = values.dateModified(cell);
-            return date ? SortValue{true, static_cast<double>(date->toMSecsSinceEpoch()), 0}
-                        : SortValue{};
+            const std::optional<qint64> date = values.dateModifiedOrder(cell);
+            return date ? SortValue{true, static_cast<double>(*date), 0} : SortValue{};
         }
         case SortBy::Hertz: {
             const std::optional<HertzValue> hertz = values.hertz(cell);

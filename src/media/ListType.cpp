@@ -1,15 +1,14 @@
 #include "media/ListType.h"
 
-namespace {
-const QString kMp3 = QStringLiteral("MP3");
-const QString kMpeg = QStringLiteral("MPEG");
-}  // namespace
+// The texts are written in the functions rather than held in globals, so that
+// a global of another file may be made from them whatever the order in which
+// the program sets its globals up.
 
 ListType ListTypeOf(QStringView text) {
-    if (text == kMp3) {
+    if (text == u"MP3") {
         return ListType::Mp3;
     }
-    if (text == kMpeg) {
+    if (text == u"MPEG") {
         return ListType::Mpeg;
     }
     return ListType::Other;
@@ -18,9 +17,9 @@ ListType ListTypeOf(QStringView text) {
 QString ListTypeText(ListType type) {
     switch (type) {
         case ListType::Mp3:
-            return kMp3;
+            return QStringLiteral("MP3");
         case ListType::Mpeg:
-            return kMpeg;
+            return QStringLiteral("MPEG");
         case ListType::Other:
             break;
     }

@@ -147,10 +147,18 @@ for tone in 440 660; do
     ffmpeg -nostdin -loglevel error -y -f lavfi -i "sine=frequency=$tone:duration=1" \
         -codec:a libmp3lame -b:a 128k "$CLI/$tone.mp3" || fail "ffmpeg could not make a test file"
 done
+# The program folder's MPEG.dll and MPEG2.dll link to the commands of the
+# packages it depends on, relative to the root it is unpacked in: the system's
+# commands stand in for them there while the command line runs, as on a
+# system the package is installed on.
+for command in mpgtx ffmpeg; do
+    ln -sf "$(command -v $command)" "$ROOT/usr/bin/$command"
+done
 status=0
 env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY HOME="$CLI/home" XDG_DATA_HOME="$CLI/data" \
     "$ROOT/usr/bin/velmora-cli" join --progress=lines -o "$CLI/joined.mp3" \
     "$CLI/440.mp3" "$CLI/660.mp3" || status=$?
+rm -f "$ROOT/usr/bin/mpgtx" "$ROOT/usr/bin/ffmpeg"
 [ $status -eq 0 ] || fail "the extracted velmora-cli did not join (exit status $status)"
 [ -s "$CLI/joined.mp3" ] || fail "the extracted velmora-cli left no joined file"
 [ ! -e "$CLI/data/Kestor/Velmora/Settings.ini" ] || fail "velmora-cli wrote a Settings.ini"
