@@ -71,7 +71,12 @@ void makeMarker() {
 
 JoinRun::JoinRun(MainModel& model, JoinWizardState& state, QObject* parent)
     : QObject(parent), model_(model), state_(state) {
+    // Named and owned as the window's are, so that they can be found.
+    tickTimer_.setObjectName(QStringLiteral("Timer"));
+    tickTimer_.setParent(this);
     tickTimer_.setInterval(10);
+    clockTimer_.setObjectName(QStringLiteral("ElapsedTimer"));
+    clockTimer_.setParent(this);
     clockTimer_.setInterval(1000);
     connect(&tickTimer_, &QTimer::timeout, this, &JoinRun::tick);
     connect(&clockTimer_, &QTimer::timeout, this, &JoinRun::clockTick);
