@@ -1,8 +1,9 @@
 // The whole MP3 join of a long list with the real tools, next to the bare
-// commands: Velmora from StartJoin to "Finished!" (and the close), the same
-// script commands run straight through a shell, a plain cat of the files,
-// ffmpeg's concat demuxer, and the MP3 fix tool alone on the raw join (with
-// its peak memory). Each reports the output's MPEG audio frames next
+// commands: Velmora from StartJoin to "Finished!" (and the close) through the
+// run that the window drives, the same join by `velmora-cli join` as a
+// process, the same script commands run straight through a shell, a plain cat
+// of the files, ffmpeg's concat demuxer, and the MP3 fix tool alone on the
+// raw join (with its peak memory). Each reports the output's MPEG audio frames next
 // to the sum of the inputs'. The list: 200 files of about 5 MB, each with an
 // ID3v2.4 tag and a front cover, once constant and once variable bit rate
 // (VELMORA_BENCH_JOIN_FILES sets another count). Velmora's join writes the
@@ -20,6 +21,7 @@
 #include <QFileInfo>
 #include <QMap>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
@@ -287,24 +289,81 @@ double scriptCommandsInShell(const JoinBed& bed) {
     return taken;
 }
 
-// Velmora and the bare script commands take turns, so that the load of the
-// machine falls on both alike; each figure is the best of its runs.
+// The same join by the command line, as a user runs it: `velmora-cli join`
+// of the list's files, with a per-user folder of its own (no Settings.ini,
+// so tags and chapters are written, as in the window's join) and no
+// progress; its seconds from the start of the process to its end.
+double commandLineJoin(benchmark::State& state, const JoinBed& bed) {
+    bed.clearOutputs();
+    const QString home = bed.dir.path() + QStringLiteral("/cli-home");
+    QDir().mkpath(home);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    env.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
+    env.remove(QStringLiteral("DISPLAY"));
+    env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    QProcess cli;
+    cli.setProcessEnvironment(env);
+    cli.setStandardInputFile(QProcess::nullDevice());
+    cli.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QElapsedTimer timer;
+    timer.start();
+    cli.start(
+        QStringLiteral(VELMORA_CLI_PROGRAM),
+        QStringList{QStringLiteral("--quiet"), QStringLiteral("join"), QStringLiteral("--type"),
+                    QStringLiteral("mp3"), QStringLiteral("-o"), bed.output} +
+            bed.files);
+    const bool ended = cli.waitForFinished(-1);
+    const double taken = timer.nsecsElapsed() / 1e9;
+    if (!ended || cli.exitStatus() != QProcess::NormalExit || cli.exitCode() != 0) {
+        state.SkipWithError("velmora-cli join failed");
+    }
+    return taken;
+}
+
+// cat of the list's files into the output; its seconds.
+double catJoin(const JoinBed& bed) {
+    bed.clearOutputs();
+    QElapsedTimer timer;
+    timer.start();
+    QProcess cat;
+    cat.setStandardOutputFile(bed.output);
+    cat.start(QStringLiteral("cat"), bed.files);
+    cat.waitForFinished(-1);
+    return timer.nsecsElapsed() / 1e9;
+}
+
+// Velmora's two faces, the bare script commands and cat take turns, so that
+// the load of the machine falls on all alike; each figure is the best of its
+// runs. The ratios: the command line against cat, and the window's run
+// against the command line.
 void BM_VelmoraAndScriptCommands(benchmark::State& state) {
     const bool vbr = state.range(0) != 0;
     JoinBed& bed = bedFor(vbr);
     bed.enter();
     run(QStringLiteral("sync"), {});  // the new sources reach the disk before the clock runs
     double velmora = 0;
+    double cli = 0;
     double shell = 0;
+    double cat = 0;
     long long velmoraFrames = 0;
+    long long cliFrames = 0;
     for (auto _ : state) {
         for (int round = 0; round < runCount(); ++round) {
             const double v = velmoraJoin(state, bed);
             if (round == 0) {
                 velmoraFrames = audioFrames(bed.output);
             }
+            const double c = commandLineJoin(state, bed);
+            if (round == 0) {
+                cliFrames = audioFrames(bed.output);
+            }
+            const double k = catJoin(bed);
             const double s = scriptCommandsInShell(bed);
             velmora = round == 0 ? v : std::min(velmora, v);
+            cli = round == 0 ? c : std::min(cli, c);
+            cat = round == 0 ? k : std::min(cat, k);
             shell = round == 0 ? s : std::min(shell, s);
         }
     }
@@ -312,9 +371,18 @@ void BM_VelmoraAndScriptCommands(benchmark::State& state) {
     report(state, bed, bed.output, QStringLiteral("shell%1").arg(vbr), shell);
     state.counters["velmora_s"] = velmora;
     state.counters["velmora_output_frames"] = static_cast<double>(velmoraFrames);
+    state.counters["cli_s"] = cli;
+    state.counters["cli_output_frames"] = static_cast<double>(cliFrames);
+    state.counters["cat_s"] = cat;
     state.counters["ratio"] = shell > 0 ? velmora / shell : 0;
-    std::printf("%s: Velmora %.2f s, script commands in a shell %.2f s, ratio %.3f\n",
-                vbr ? "VBR" : "CBR", velmora, shell, shell > 0 ? velmora / shell : 0.0);
+    state.counters["cli_per_cat"] = cat > 0 ? cli / cat : 0;
+    state.counters["window_per_cli"] = cli > 0 ? velmora / cli : 0;
+    std::printf(
+        "%s: Velmora (window's run) %.2f s, velmora-cli join %.2f s, cat %.2f s, script "
+        "commands in a shell %.2f s; velmora-cli / cat %.2f, window / velmora-cli %.2f, "
+        "window / script commands %.3f\n",
+        vbr ? "VBR" : "CBR", velmora, cli, cat, shell, cat > 0 ? cli / cat : 0.0,
+        cli > 0 ? velmora / cli : 0.0, shell > 0 ? velmora / shell : 0.0);
     std::fflush(stdout);
 }
 

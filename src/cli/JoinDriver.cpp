@@ -81,6 +81,12 @@ void waitForEnd(CliContext& cli, const JoinWizardState& state, JoinProgressRepor
         }
     });
     QObject::connect(&cli.interrupts, &InterruptWatcher::interrupted, &loop, &QEventLoop::quit);
+    // The end of the run is seen as the run reaches it, not at the next look.
+    QObject::connect(&state, &JoinWizardState::changed, &loop, [&] {
+        if (runEnded(state)) {
+            loop.quit();
+        }
+    });
     watch.start();
     if (cli.interrupts.signalNumber() == 0) {
         loop.exec();

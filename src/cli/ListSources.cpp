@@ -17,7 +17,12 @@
 
 namespace {
 
-const QStringList kListTypes = {ListTypeText(ListType::Mp3), ListTypeText(ListType::Mpeg)};
+// Made on first use: the texts come from another file's constants, which
+// need not be made yet while this file's constants are.
+const QStringList& listTypes() {
+    static const QStringList types = {ListTypeText(ListType::Mp3), ListTypeText(ListType::Mpeg)};
+    return types;
+}
 
 // A source as it was found, before the list is made.
 struct Source {
@@ -52,7 +57,7 @@ std::shared_ptr<MainModel> readListFile(const QString& path, MainModel& model, Q
     }
     // Its files are checked once the whole list is made.
     list->listCheck.stop();
-    if (!kListTypes.contains(list->state.listType())) {
+    if (!listTypes().contains(list->state.listType())) {
         error = quoted(path) + QStringLiteral(" is a list of the unknown type '") +
                 list->state.listType() + u'\'';
         return nullptr;
@@ -62,7 +67,7 @@ std::shared_ptr<MainModel> readListFile(const QString& path, MainModel& model, Q
 
 QSet<QString> typesInFolder(const QString& folder) {
     QSet<QString> types;
-    for (const QString& type : kListTypes) {
+    for (const QString& type : listTypes()) {
         if (!FolderFileNames(folder, FolderPattern(type)).isEmpty()) {
             types.insert(type);
         }
@@ -166,7 +171,7 @@ void checkListRows(MainModel& model) {
 
 QString ListTypeOfFileName(const QString& path) {
     const QString name = QFileInfo(path).fileName();
-    for (const QString& type : kListTypes) {
+    for (const QString& type : listTypes()) {
         if (QDir::match(FolderPattern(type).split(u';'), name)) {
             return type;
         }

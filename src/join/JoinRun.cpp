@@ -71,11 +71,29 @@ void makeMarker() {
 
 JoinRun::JoinRun(MainModel& model, JoinWizardState& state, QObject* parent)
     : QObject(parent), model_(model), state_(state) {
+    // Named and owned as the window's are, so that they can be found.
+    tickTimer_.setObjectName(QStringLiteral("Timer"));
+    tickTimer_.setParent(this);
     tickTimer_.setInterval(10);
+    clockTimer_.setObjectName(QStringLiteral("ElapsedTimer"));
+    clockTimer_.setParent(this);
     clockTimer_.setInterval(1000);
     connect(&tickTimer_, &QTimer::timeout, this, &JoinRun::tick);
     connect(&clockTimer_, &QTimer::timeout, this, &JoinRun::clockTick);
     connect(&state_, &JoinWizardState::changed, this, &JoinRun::syncTimers);
+    connect(this, &JoinRun::shellEnded, this, [this] {
+        if (ownTimers_) {
+            tick();
+        }
+    });
+}
+
+// Told from inside the shell's own end handler: the signal goes out from the
+// event loop, where a tick may delete that shell's runner.
+void JoinRun::onShellEnded(const ProcessRunner* shell) {
+    if (state_.timerEnabled() && shell == currentShell()) {
+        QMetaObject::invokeMethod(this, &JoinRun::shellEnded, Qt::QueuedConnection);
+    }
 }
 
 JoinRun::~JoinRun() {
@@ -129,6 +147,8 @@ void JoinRun::load(bool ownTimers) {
     delete firstScript_;
     firstScript_ = new ProcessRunner(this);
     firstScript_->setOutputDiscarded(true);
+    connect(firstScript_, &ProcessRunner::processEnded, this,
+            [this, shell = firstScript_] { onShellEnded(shell); });
     firstScript_->command(scriptShell(), {AppDataPath(JoinNames::kTempFileScript)});
     firstScriptPid_ = firstScript_->processId();
     startProbeScan();
@@ -200,6 +220,8 @@ void JoinRun::startOperation2() {
         delete launcher_;
         launcher_ = launcherFactory() ? launcherFactory()(this) : new ProcessRunner(this);
         connect(launcher_, &ProcessRunner::dataReceived, this, &JoinRun::dataReceived);
+        connect(launcher_, &ProcessRunner::processEnded, this,
+                [this, shell = launcher_] { onShellEnded(shell); });
         launcher_->setBufferSize(8192);
         launcher_->setStopTimeout(1000);
         // A script that does not start is told by the next tick: its

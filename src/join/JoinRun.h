@@ -33,6 +33,12 @@ class RemakeProbeScan;
 // started, or that has ended while JoinTemp is still there, will never remove
 // it, and the run fails at the next tick rather than wait for ever.
 //
+// The end of the running script's shell is told by shellEnded(): the run's
+// next step is due then, so a tick runs as soon as the event loop is free
+// rather than up to a timer interval later. That tick is the timer's own
+// work, no second path: with its own timers the run ticks on shellEnded()
+// itself; a face that drives the ticks connects it to tick() as well.
+//
 // A step that failed (told by the record an sh script leaves, or found by
 // the checks of TempFile and OutputFile) ends the run in the failed state:
 // both files are deleted, the wizard says "Failed!", and a message names the
@@ -71,6 +77,13 @@ public:
     // The DataReceived handler of the fix script's launcher.
     void dataReceived(const QString& text);
 
+signals:
+    // The shell of the script that the run waits for has ended (its end is
+    // known to the run from now on). It comes from the event loop, never from
+    // inside the shell's own end handler.
+    void shellEnded();
+
+public:
     std::int16_t elapsedSeconds() const { return elapsedSeconds_; }
     void setElapsedSeconds(std::int16_t seconds) { elapsedSeconds_ = seconds; }
     bool cancelled() const { return cancelled_; }
@@ -111,6 +124,8 @@ private:
     // the record in the debug log and the message.
     void fail(const JoinFailure& failure);
     void syncTimers();
+    // The end of a script's shell: shellEnded() when it is the running one.
+    void onShellEnded(const ProcessRunner* shell);
 
     MainModel& model_;
     JoinWizardState& state_;

@@ -19,6 +19,7 @@
 #include "mpegaudio/JoinSources.h"
 #include "mpegaudio/JoinedTag.h"
 #include "mpegaudio/Mp3ByteSources.h"
+#include "mpegaudio/Mp3Crc16.h"
 #include "mpegaudio/Mp3FrameWalker.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
 #include "mpegaudio/TagBytes.h"
@@ -96,11 +97,24 @@ public:
         written_ += length;
         return true;
     }
+    // From here on every byte appended counts into sum(): the music CRC of
+    // the LAME extension, worked out over each buffer's run of audio as it
+    // goes out rather than frame by frame.
+    void startSum() {
+        summing_ = true;
+        sumFrom_ = buffer_.size();
+    }
     bool flush() {
+        if (summing_) {
+            sum_ = Mp3Crc16(sum_, buffer_.data() + sumFrom_, buffer_.size() - sumFrom_);
+            sumFrom_ = 0;
+        }
         const bool ok = writeAll(fd_, buffer_.data(), buffer_.size());
         buffer_.clear();
         return ok;
     }
+    // The CRC of what was appended since startSum(), once it is flushed.
+    std::uint16_t sum() const { return sum_; }
     bool rewrite(const std::uint8_t* data, std::size_t length, std::uint64_t at = 0) {
         return writeAllAt(fd_, data, length, static_cast<off_t>(at));
     }
@@ -127,6 +141,9 @@ private:
     bool plainFile_ = false;
     std::vector<std::uint8_t> buffer_;
     std::uint64_t written_ = 0;
+    bool summing_ = false;
+    std::size_t sumFrom_ = 0;
+    std::uint16_t sum_ = 0;
 };
 
 // What the walk learns of the header frames of the files, for the delay and
@@ -571,6 +588,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
         error = failure(output, reason());
         return WriteError;
     }
+    out.startSum();
     // A reader learns the length of free-format frames once in a stream: the
     // output holds free-format frames of one length only.
     int freeFormatLength = 0;
@@ -585,7 +603,6 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
     };
     std::uint64_t frames = 0;
     bool oneBitrate = true;
-    std::uint16_t musicCrc = 0;
     SeekTable seekTable;
     for (; item != Mp3FrameWalker::Item::End; item = walker.next()) {
         if (item == Mp3FrameWalker::Item::ReadError) {
@@ -618,7 +635,6 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
                 oneBitrate =
                     oneBitrate &&
                     rateOfHeaderFrame(walker.header(), static_cast<int>(walker.length()), shape);
-                musicCrc = Mp3Crc16(musicCrc, walker.data(), walker.length());
                 if (!out.append(walker.data(), walker.length())) {
                     error = failure(output, reason());
                     return WriteError;
@@ -657,7 +673,7 @@ Status FixFile(const std::string& input, const std::string& output, const std::s
         content.delay = delayKnown ? headers.firstFrame.delay : 0;
         content.padding = paddingKnown ? headers.lastFrame.padding : 0;
         content.musicLength = content.bytes;
-        content.musicCrc = musicCrc;
+        content.musicCrc = out.sum();
     }
     WriteHeaderFrame(shape.header, shape.length, content, headerFrame.data());
     bool tagRewritten = true;

@@ -38,49 +38,7 @@ bool trustedEncoder(const std::uint8_t* name) {
            std::memcmp(name, "Lavc", 4) == 0;
 }
 
-struct Crc16Table {
-    std::uint16_t entries[8][256];
-    Crc16Table() {
-        for (int byte = 0; byte < 256; ++byte) {
-            std::uint16_t crc = static_cast<std::uint16_t>(byte);
-            for (int bit = 0; bit < 8; ++bit) {
-                crc = static_cast<std::uint16_t>((crc & 1) ? (crc >> 1) ^ 0xA001 : crc >> 1);
-            }
-            entries[0][byte] = crc;
-        }
-        for (int byte = 0; byte < 256; ++byte) {
-            for (int slice = 1; slice < 8; ++slice) {
-                const std::uint16_t previous = entries[slice - 1][byte];
-                entries[slice][byte] =
-                    static_cast<std::uint16_t>((previous >> 8) ^ entries[0][previous & 0xFF]);
-            }
-        }
-    }
-};
-
-const Crc16Table& crcTable() {
-    static const Crc16Table table;
-    return table;
-}
-
 }  // namespace
-
-std::uint16_t Mp3Crc16(std::uint16_t crc, const std::uint8_t* data, std::size_t length) {
-    const auto& t = crcTable().entries;
-    // Eight bytes a round through eight tables, the rest byte by byte.
-    while (length >= 8) {
-        const std::uint16_t a = static_cast<std::uint16_t>(crc ^ (data[0] | (data[1] << 8)));
-        crc = static_cast<std::uint16_t>(t[7][a & 0xFF] ^ t[6][a >> 8] ^ t[5][data[2]] ^
-                                         t[4][data[3]] ^ t[3][data[4]] ^ t[2][data[5]] ^
-                                         t[1][data[6]] ^ t[0][data[7]]);
-        data += 8;
-        length -= 8;
-    }
-    while (length-- > 0) {
-        crc = static_cast<std::uint16_t>((crc >> 8) ^ t[0][(crc ^ *data++) & 0xFF]);
-    }
-    return crc;
-}
 
 Mp3HeaderFrame Mp3HeaderFrame::read(const std::uint8_t* frame, std::size_t length,
                                     const MpegFrameHeader& header) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "mpegaudio/Mp3Crc16.h"
 #include "mpegaudio/MpegFrameHeader.h"
 
 // The header frame that an encoder puts before the audio of an MP3 stream: a
@@ -70,7 +71,3 @@ int HeaderFrameLeastLength(const MpegFrameHeader& header);
 // "Xing" frame its bit-rate method never says constant.
 void WriteHeaderFrame(const MpegFrameHeader& header, int length,
                       const Mp3HeaderFrameContent& content, std::uint8_t* frame);
-
-// CRC-16 as the LAME extension uses it (polynomial 0x8005, bits reflected,
-// start 0): over data, going on from crc.
-std::uint16_t Mp3Crc16(std::uint16_t crc, const std::uint8_t* data, std::size_t length);

@@ -23,26 +23,6 @@ const int* bitrateTable(int version, int layer) {
 
 }  // namespace
 
-std::optional<std::uint32_t> MpegFrameHeader::field(int position, int count) const {
-    if (position < 1 || count < 1 || position > knownBits_) {
-        return std::nullopt;
-    }
-    const int last = position + count - 1 > knownBits_ ? knownBits_ : position + count - 1;
-    const int width = last - position + 1;
-    const std::uint32_t shifted = bits_ >> (32 - last);
-    return width >= 32 ? shifted : shifted & ((std::uint32_t{1} << width) - 1);
-}
-
-int MpegFrameHeader::mpegVersion() const {
-    static constexpr int kVersions[4] = {25, 0, 2, 1};
-    return kVersions[versionIndex() & 3];
-}
-
-int MpegFrameHeader::layer() const {
-    static constexpr int kLayers[4] = {0, 3, 2, 1};
-    return kLayers[layerIndex() & 3];
-}
-
 const char* MpegFrameHeader::modeName() const {
     static const char* const kModes[4] = {"Stereo", "Joint Stereo", "Dual Channel",
                                           "Single Channel"};
@@ -61,34 +41,6 @@ int MpegFrameHeader::bitrateKbps() const {
         return 0;
     }
     return bitrateTable(version, layerNumber)[bitrateIndex() & 15];
-}
-
-int MpegFrameHeader::sampleRateHz() const {
-    static constexpr int kRates[4] = {44100, 48000, 32000, 0};
-    const int rate = kRates[sampleRateIndex() & 3];
-    switch (mpegVersion()) {
-        case 1:
-            return rate;
-        case 2:
-            return rate / 2;
-        case 25:
-            return rate / 4;
-        default:
-            return 0;
-    }
-}
-
-int MpegFrameHeader::samplesPerFrame() const {
-    switch (layer()) {
-        case 1:
-            return 384;
-        case 2:
-            return 1152;
-        case 3:
-            return mpegVersion() == 1 ? 1152 : 576;
-        default:
-            return 0;
-    }
 }
 
 int MpegFrameHeader::frameLength() const {
@@ -127,13 +79,6 @@ int MpegFrameHeader::kbpsOfLength(int unpaddedLength) const {
     return static_cast<int>(bytesPerSecond / 1000.0 + 0.5);
 }
 
-int MpegFrameHeader::sideInfoLength() const {
-    if (mpegVersion() == 1) {
-        return channels() == 1 ? 17 : 32;
-    }
-    return channels() == 1 ? 9 : 17;
-}
-
 bool MpegFrameHeader::isLayer3Audio() const {
     return knownBits_ == 32 && number(1, 11) == 0x7FF && mpegVersion() != 0 && layer() == 3 &&
            bitrateKbps() != 0 && sampleRateHz() != 0;
@@ -142,11 +87,6 @@ bool MpegFrameHeader::isLayer3Audio() const {
 bool MpegFrameHeader::isLayer3FreeFormat() const {
     return knownBits_ == 32 && number(1, 11) == 0x7FF && mpegVersion() != 0 && layer() == 3 &&
            isFreeFormat() && sampleRateHz() != 0;
-}
-
-bool MpegFrameHeader::sameStreamAs(const MpegFrameHeader& other) const {
-    return versionIndex() == other.versionIndex() && layerIndex() == other.layerIndex() &&
-           sampleRateIndex() == other.sampleRateIndex() && channels() == other.channels();
 }
 
 MpegFrameHeader MpegFrameHeader::withField(int position, int count, std::uint32_t value) const {

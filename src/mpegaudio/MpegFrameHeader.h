@@ -29,9 +29,22 @@ public:
 
     // The number the digits from position to position + count - 1 make, of
     // those that are known; nothing when the field starts behind them.
-    std::optional<std::uint32_t> field(int position, int count) const;
-    // The same with no digits read as 0.
+    std::optional<std::uint32_t> field(int position, int count) const {
+        if (position < 1 || count < 1 || position > knownBits_) {
+            return std::nullopt;
+        }
+        const int last = position + count - 1 > knownBits_ ? knownBits_ : position + count - 1;
+        const int width = last - position + 1;
+        const std::uint32_t shifted = bits_ >> (32 - last);
+        return width >= 32 ? shifted : shifted & ((std::uint32_t{1} << width) - 1);
+    }
+    // The same with no digits read as 0. A header of all 32 digits, that of
+    // every frame read from a file, takes the short way: a shift and a mask.
     std::uint32_t number(int position, int count) const {
+        if (knownBits_ == 32 && position >= 1 && count >= 1 && count < 32 &&
+            position + count <= 33) {
+            return (bits_ >> (33 - position - count)) & ((std::uint32_t{1} << count) - 1);
+        }
         return field(position, count).value_or(0);
     }
 
@@ -46,9 +59,15 @@ public:
     bool hasCrc() const { return number(16, 1) == 0; }
 
     // 1, 2, 25 (meaning 2.5) or 0 (reserved).
-    int mpegVersion() const;
+    int mpegVersion() const {
+        constexpr int kVersions[4] = {25, 0, 2, 1};
+        return kVersions[versionIndex() & 3];
+    }
     // 1, 2, 3 or 0 (reserved).
-    int layer() const;
+    int layer() const {
+        constexpr int kLayers[4] = {0, 3, 2, 1};
+        return kLayers[layerIndex() & 3];
+    }
     // "Stereo", "Joint Stereo", "Dual Channel" or "Single Channel".
     const char* modeName() const;
     int channels() const { return modeIndex() == 3 ? 1 : 2; }
@@ -58,10 +77,34 @@ public:
     // format), index 15, the reserved version or layer.
     int bitrateKbps() const;
     // 0 for index 3 and the reserved version.
-    int sampleRateHz() const;
+    int sampleRateHz() const {
+        constexpr int kRates[4] = {44100, 48000, 32000, 0};
+        const int rate = kRates[sampleRateIndex() & 3];
+        switch (mpegVersion()) {
+            case 1:
+                return rate;
+            case 2:
+                return rate / 2;
+            case 25:
+                return rate / 4;
+            default:
+                return 0;
+        }
+    }
 
     // 1152 or 576 for Layer III, 1152 for Layer II, 384 for Layer I.
-    int samplesPerFrame() const;
+    int samplesPerFrame() const {
+        switch (layer()) {
+            case 1:
+                return 384;
+            case 2:
+                return 1152;
+            case 3:
+                return mpegVersion() == 1 ? 1152 : 576;
+            default:
+                return 0;
+        }
+    }
     // The frame's whole length in bytes, header included; 0 when the header
     // gives none (free format, reserved values).
     int frameLength() const;
@@ -82,7 +125,12 @@ public:
     // side information.
     int layer3DataOffset() const { return 4 + (hasCrc() ? 2 : 0) + sideInfoLength(); }
     // Layer III: the bytes of side information behind the header (and its CRC).
-    int sideInfoLength() const;
+    int sideInfoLength() const {
+        if (mpegVersion() == 1) {
+            return channels() == 1 ? 17 : 32;
+        }
+        return channels() == 1 ? 9 : 17;
+    }
 
     // A complete Layer III header of any version with a bit rate and sample
     // rate from the tables: the frames the joiner keeps.
@@ -91,7 +139,10 @@ public:
     bool isLayer3FreeFormat() const;
     bool isFreeFormat() const { return bitrateIndex() == 0; }
     // Same version, layer, sample rate and channel count: frames of one stream.
-    bool sameStreamAs(const MpegFrameHeader& other) const;
+    bool sameStreamAs(const MpegFrameHeader& other) const {
+        return versionIndex() == other.versionIndex() && layerIndex() == other.layerIndex() &&
+               sampleRateIndex() == other.sampleRateIndex() && channels() == other.channels();
+    }
 
     // The header with one field set to value.
     MpegFrameHeader withField(int position, int count, std::uint32_t value) const;

@@ -127,6 +127,8 @@ JoinWizard::JoinWizard(MainModel& model, QWidget* parent)
     timer_->setObjectName(QStringLiteral("Timer"));
     timer_->setInterval(10);
     connect(timer_, &QTimer::timeout, this, [this] { run_->tick(); });
+    // A script's end moves the run on at once, not at the next tick.
+    connect(run_.get(), &JoinRun::shellEnded, this, [this] { run_->tick(); });
     elapsedTimer_ = new QTimer(this);
     elapsedTimer_->setObjectName(QStringLiteral("ElapsedTimer"));
     elapsedTimer_->setInterval(1000);

@@ -723,7 +723,7 @@ TEST_F(JoinEndToEndTest, DebugLog_RecordsOfAJoin) {
         bed.model.items.cells(1).join(u'|') + u'|',
         bed.model.items.cells(2).join(u'|') + u'|',
         QStringLiteral("TempFile=") + temp,
-        QStringLiteral("1BAT={ cat '%1' >> '%2'").arg(sources[1], temp),
+        QStringLiteral("1BAT={ cat '%1' >&3 < /dev/null; }").arg(sources[1]),
         QStringLiteral("BAT1 Launched."),
         QStringLiteral("OutputFile=") + output,
         // The size that the last tick of JoinOperation 1 saw.
@@ -758,7 +758,7 @@ TEST_F(JoinEndToEndTest, DebugLog_RecordsOfAnMpeg1JoinNameTheRemake) {
     const QString tool = bed.appData + QStringLiteral("/MPEG2.exe");
     const QStringList records = {
         QStringLiteral("TempFile=") + temp,
-        QStringLiteral("1BAT={ cat '%1' >> '%2'").arg(sources[1], temp),
+        QStringLiteral("1BAT={ cat '%1' >&3 < /dev/null; }").arg(sources[1]),
         QStringLiteral("2BAT='%1' -nostdin -analyzeduration 360000000000 -probesize 5000000 -i "
                        "'%2' -map 0 -map -0:d -c copy -f mpeg -y '%3' < /dev/null || {")
             .arg(tool, temp, output),

@@ -273,6 +273,20 @@ TEST_F(JoinFaultTest, OutputFolderReadOnlyAfterPreflight_Tmpfs_Fails) {
     expectCleanEnd(output);
 }
 
+// The first copy cannot make TempFile: the step fails on it with the
+// shell's own reason, and the shell goes on to record it.
+TEST_F(JoinFaultTest, OutputFolderRemovedAfterPreflight_FirstCopyFailsOnTempFile) {
+    const QString folder = bed.dir.path() + QStringLiteral("/gone");
+    QDir().mkpath(folder);
+    const QString output = startMp3Join(folder);
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    runToTheEnd();
+    expectFailed(output, joining(), output + QStringLiteral(".vlr.mp3"),
+                 QStringLiteral("Directory nonexistent"));
+    close();
+    expectCleanEnd(output);
+}
+
 TEST_F(JoinFaultTest, OutputFileSizeLimitDuringOperation1_Ulimit_Fails) {
     // Works everywhere: the first script may write no more than 8 blocks, as
     // if the output folder had filled up after the pre-flight.
@@ -481,7 +495,9 @@ TEST_F(JoinFaultTest, FixToolKilledFromOutside_FailsAndLeavesNothingRunning) {
 
 TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation1_Fails) {
     // The first item is a pipe: the script waits on it while the test takes
-    // the output folder away with the partial join in it.
+    // the output folder away with the partial join in it. The copies write
+    // on into the open TempFile, which has no name any more; the check after
+    // them finds no TempFile.
     const QString pipe = pipeSource();
     const QString second = randomFile(QStringLiteral("second.mpg"), 30000);
     bed.makeMpegList({pipe, second}, QString());
@@ -491,7 +507,7 @@ TEST_F(JoinFaultTest, OutputFolderRemovedDuringOperation1_Fails) {
     startJoin(output);
     feedPipe(pipe, [&] { ASSERT_TRUE(QDir(folder).removeRecursively()); });
     expectFailed(output, joining(), output + QStringLiteral(".vlr.mpg"),
-                 QStringLiteral("Directory nonexistent"));
+                 QStringLiteral("No such file or directory"));
     close();
     expectCleanEnd(output);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QTimer>
+
 #include "join/JoinRunTestBed.h"
 #include "platform/ProcessRunner.h"
 
@@ -505,4 +507,55 @@ TEST_F(JoinRunTest, Mp3Operation2_WatchesOutputGrowAgainstListSize) {
     EXPECT_EQ(bed.state.windowCaption(), QStringLiteral("Join Wizard (50%)"));
     JoinRunTestBed::writeFile(go2, "go");
     ASSERT_TRUE(bed.tickUntil([&] { return bed.finished(); }));
+}
+
+// The end of each script's shell is told once, and a face that ticks on it
+// carries the run to its end with no timer at all: no tick waits for an
+// interval to pass after a script is done.
+TEST_F(JoinRunTest, ShellEnded_OncePerScript_TicksOnItAloneFinishTheRun) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("cat %1 > %2\n")
+                            .arg(JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    QStringList operationsAtEnds;
+    QObject::connect(&run, &JoinRun::shellEnded, &run, [&] {
+        operationsAtEnds << bed.state.operationTag();
+        run.tick();
+    });
+    run.load(false);
+    letGo();
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 20000))
+        << bed.state.operationText().toStdString();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(operationsAtEnds, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray(3000, 'a') + QByteArray(2000, 'b'));
+    EXPECT_FALSE(QFile::exists(mp3Temp));
+    EXPECT_EQ(bed.questions.asked.size(), 0);
+}
+
+// With its own timers the run ticks on a shell's end itself: with its Timer
+// slowed to an hour, the join still goes from its start to "Finished!".
+TEST_F(JoinRunTest, OwnTimers_TimerOfAnHour_ScriptEndsStillCarryItToFinished) {
+    bed.makeMp3List({a, b});
+    const QString mp3Temp = output + QStringLiteral(".vlr.mp3");
+    writeJoinScript(mp3Temp);
+    bed.writeScript(QStringLiteral("MP3.bat"),
+                    QStringLiteral("cat %1 > %2\n")
+                            .arg(JoinRunTestBed::quoted(mp3Temp), JoinRunTestBed::quoted(output)) +
+                        bed.removeMarkerLine());
+    JoinRun& run = bed.makeRun();
+    auto* timer = run.findChild<QTimer*>(QStringLiteral("Timer"));
+    ASSERT_NE(timer, nullptr);
+    EXPECT_EQ(timer->interval(), 10);
+    timer->setInterval(3600 * 1000);
+    run.load(true);
+    letGo();
+    ASSERT_TRUE(JoinRunTestBed::waitUntil([&] { return bed.finished(); }, 20000))
+        << bed.state.operationText().toStdString();
+    EXPECT_EQ(bed.state.operationText(), QStringLiteral("Finished!"));
+    EXPECT_EQ(JoinRunTestBed::readFile(output), QByteArray(3000, 'a') + QByteArray(2000, 'b'));
 }

@@ -63,8 +63,9 @@ protected:
                q(app("JoinStep.failed")) + "; rmdir " + q(app("JoinTemp")) + "; exit 1; }";
     }
     QString catLine(qsizetype i) const {
-        return checked("cat " + q(items[i]) + (i == 0 ? " > " : " >> ") + q(temp) + " < /dev/null",
-                       static_cast<int>(i) + 1, true);
+        const QString open = i == 0 ? "command exec 3> " + q(temp) + " && " : QString();
+        return checked(open + "cat " + q(items[i]) + " >&3 < /dev/null", static_cast<int>(i) + 1,
+                       true);
     }
     // The remake options: the whole join read before the streams are known.
     QString remakeOptions() const {

@@ -28,8 +28,9 @@ TEST(ShDialect, Lines_HaveNoInputAndLfEnds) {
     ShDialect sh;
     EXPECT_EQ(sh.lineEnd(), "\n");
     EXPECT_EQ(sh.childPath("/a b", "JoinTemp"), "/a b/JoinTemp");
-    EXPECT_EQ(sh.firstCopyLine("/m/a.mp3", "/o/t"), "cat '/m/a.mp3' > '/o/t' < /dev/null");
-    EXPECT_EQ(sh.appendCopyLine("/m/a.mp3", "/o/t"), "cat '/m/a.mp3' >> '/o/t' < /dev/null");
+    EXPECT_EQ(sh.firstCopyLine("/m/a.mp3", "/o/t"),
+              "command exec 3> '/o/t' && cat '/m/a.mp3' >&3 < /dev/null");
+    EXPECT_EQ(sh.appendCopyLine("/m/a.mp3", "/o/t"), "cat '/m/a.mp3' >&3 < /dev/null");
     EXPECT_EQ(sh.removeMarkerLine("/a/JoinTemp"), "rmdir '/a/JoinTemp' < /dev/null");
     EXPECT_EQ(sh.deleteFileLine("/o/t"), "rm -f '/o/t' < /dev/null");
     EXPECT_EQ(sh.stopIfGoneLines("/a/x.bat"), QStringList{"[ -f '/a/x.bat' ] || exit 1"});

@@ -432,9 +432,8 @@ TEST_F(StartJoinTest, DebugLog_HoldsEveryRowCellByCellThenTheScriptRecords) {
     EXPECT_EQ(records[0], "one.mp3|1 KB||" + bed.media + "/one.mp3|Artist A||||||||");
     EXPECT_EQ(records[1], "two.mp3|1 KB||" + bed.media + "/two.mp3||||||||44100|");
     EXPECT_EQ(records[2], "TempFile=" + output + ".vlr.mp3");
-    EXPECT_EQ(records[3], "1BAT={ cat '" + bed.media + "/two.mp3' >> '" + output +
-                              ".vlr.mp3' < /dev/null; } 2> '" + bed.appData +
-                              "/JoinStep.log' || { echo \"$?\" 2 > '" + bed.appData +
+    EXPECT_EQ(records[3], "1BAT={ cat '" + bed.media + "/two.mp3' >&3 < /dev/null; } 2> '" +
+                              bed.appData + "/JoinStep.log' || { echo \"$?\" 2 > '" + bed.appData +
                               "/JoinStep.failed'; rmdir '" + bed.appData + "/JoinTemp'; exit 1; }");
 }
 

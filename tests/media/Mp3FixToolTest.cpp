@@ -9,6 +9,9 @@
 #include <QTemporaryDir>
 
 #include "mpegaudio/JoinSources.h"
+#include "mpegaudio/Mp3Crc16.h"
+#include "mpegaudio/Mp3HeaderFrame.h"
+#include "mpegaudio/MpegFrameHeader.h"
 #include "support/FileSizeLimit.h"
 #include "support/MediaMaker.h"
 
@@ -236,4 +239,43 @@ TEST(Mp3FixTool, FreeFormatSourcesOfTwoLengths_Status5NamesTheSecond) {
                                    "free format at 256 kbit/s after free format at 200 "
                                    "kbit/s: a joined file holds one free-format rate only"));
     EXPECT_FALSE(QFile::exists(dir.filePath("out.mp3")));
+}
+
+// The music CRC of the LAME extension covers exactly the audio behind the
+// header frame (not the tag, not the header frame), over more audio than
+// one buffer of the tool holds.
+TEST(Mp3FixTool, MusicCrcOfTheLameExtension_IsTheCrcOfAllTheAudioBehindTheHeaderFrame) {
+    ASSERT_TRUE(HaveFfmpeg());
+    QTemporaryDir dir;
+    Mp3Options options;
+    options.seconds = 40;
+    options.id3v2 = true;
+    options.metadata = {{QStringLiteral("album"), QStringLiteral("The Album")}};
+    QList<QPair<QString, QByteArray>> sources;
+    for (int i = 0; i < 3; ++i) {
+        options.frequencyHz = 440 + 110 * i;
+        const QString name = QStringLiteral("part%1.mp3").arg(i + 1);
+        const QString made = MakeMp3(dir.filePath("made"), name, options);
+        ASSERT_FALSE(made.isEmpty()) << LastMediaMakerError().toStdString();
+        sources.append({name, readFile(made)});
+    }
+    writeJoin(dir.path(), sources);
+    const ToolRun run = fix({QStringLiteral("--sources"), dir.filePath("JoinSources.txt"),
+                             dir.filePath("raw.mp3"), dir.filePath("out.mp3")});
+    ASSERT_EQ(run.status, 0) << run.error.toStdString();
+    const QByteArray out = readFile(dir.filePath("out.mp3"));
+    ASSERT_TRUE(out.startsWith("ID3"));
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(out.constData());
+    const qsizetype tagLength =
+        10 + ((bytes[6] << 21) | (bytes[7] << 14) | (bytes[8] << 7) | bytes[9]);
+    const std::uint8_t* data = bytes + tagLength;
+    const MpegFrameHeader header = MpegFrameHeader::fromBytes(data);
+    ASSERT_TRUE(header.isLayer3Audio());
+    const int frameLength = header.frameLength();
+    ASSERT_TRUE(Mp3HeaderFrame::read(data, static_cast<std::size_t>(frameLength), header).hasLame);
+    const std::uint8_t* lame = data + 4 + header.sideInfoLength() + kXingHeaderBytes;
+    const qsizetype audio = out.size() - tagLength - frameLength;
+    ASSERT_GT(audio, qsizetype{1} << 20);
+    EXPECT_EQ((lame[32] << 8) | lame[33],
+              Mp3Crc16ByTables(0, data + frameLength, static_cast<std::size_t>(audio)));
 }

@@ -273,6 +273,29 @@ TEST_F(JoinWizardTest, Controls_StandInTheirPlacesWithTheirCaptions) {
     EXPECT_FALSE(QFile::exists(appData + "/JoinTemp"));
 }
 
+// The end of each script moves the run on at once: with Timer slowed to an
+// hour, the join still goes from its start to "Finished!".
+TEST_F(JoinWizardTest, Mp3Join_TimerOfAnHour_ScriptEndsStillCarryItToFinished) {
+    if (!HaveFfmpeg()) {
+        GTEST_SKIP() << "ffmpeg is needed to make the MP3 files";
+    }
+    const QStringList sources = {makeMp3("one.mp3", 2, 440), makeMp3("two.mp3", 2, 550)};
+    fillList("MP3", sources);
+    const QString output = media + "/joined.mp3";
+    questions.chooseFile(output);
+    ASSERT_TRUE(StartJoin(model));
+    JoinWizard window(model);
+    window.findChild<QTimer*>("Timer")->setInterval(3600 * 1000);
+    watch(window);
+    window.show();
+    ASSERT_TRUE(waitUntil([&] { return window.state().operationText() == "Finished!"; }, 60000))
+        << window.state().operationText().toStdString();
+    EXPECT_TRUE(operations.contains("Operation 2 of 2"));
+    EXPECT_GT(QFileInfo(output).size(), 0);
+    EXPECT_FALSE(QFile::exists(output + ".vlr.mp3"));
+    closeWithTheCloseButton(window);
+}
+
 TEST_F(JoinWizardTest, Mp3Join_FromStartJoinToFinishedAndClose) {
     if (!HaveFfmpeg()) {
         GTEST_SKIP() << "ffmpeg is needed to make the MP3 files";
