@@ -216,7 +216,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Mp3Fixer::Status status = Mp3Fixer::FixFile(input, output, sourcesFile, error, warning);
     struct stat left {};
     const bool outputLeft = ::stat(output.c_str(), &left) == 0;
-    if (status == Mp3Fixer::NoAudioFrame) {
+    // A source without audio, or a second free-format rate, ends the fix
+    // with the reason and nothing written.
+    if (status == Mp3Fixer::NoAudioFrame || status == Mp3Fixer::MixedFreeFormat) {
         if (outputLeft || error.empty()) {
             std::abort();
         }
