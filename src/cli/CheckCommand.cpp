@@ -90,16 +90,8 @@ void printText(CliContext& cli, const MainModel& model) {
 
 int RunCheck(CliContext& cli) {
     MainModel model(cli.questions, cli.clipboard);
-    const SourceList list = MakeListFromSources(model, cli.options.paths, cli.options.listType);
-    if (cli.interrupts.signalNumber() != 0) {
-        return InterruptWatcher::ExitStatusFor(cli.interrupts.signalNumber());
-    }
-    if (!list.error.isEmpty()) {
-        cli.output.error(list.error);
-        return ExitCode::kUsage;
-    }
-    for (const QString& warning : list.warnings) {
-        cli.output.warning(warning);
+    if (const std::optional<int> status = MakeCommandList(cli, model)) {
+        return *status;
     }
     cli.options.json ? printJson(cli, model) : printText(cli, model);
     return statusOfGrade(model.state.listStatus());

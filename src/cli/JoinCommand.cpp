@@ -37,16 +37,8 @@ int statusOf(JoinOutcome outcome, const CliContext& cli) {
 
 int joinOne(CliContext& cli) {
     MainModel model(cli.questions, cli.clipboard);
-    const SourceList list = MakeListFromSources(model, cli.options.paths, cli.options.listType);
-    if (cli.interrupts.signalNumber() != 0) {
-        return InterruptWatcher::ExitStatusFor(cli.interrupts.signalNumber());
-    }
-    if (!list.error.isEmpty()) {
-        cli.output.error(list.error);
-        return ExitCode::kUsage;
-    }
-    for (const QString& warning : list.warnings) {
-        cli.output.warning(warning);
+    if (const std::optional<int> status = MakeCommandList(cli, model)) {
+        return *status;
     }
     const QString output = QFileInfo(cli.options.output).absoluteFilePath();
     return statusOf(JoinListInto(cli, model, output), cli);

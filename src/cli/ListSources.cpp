@@ -8,12 +8,17 @@
 #include <memory>
 #include <vector>
 
+#include "cli/CliContext.h"
+#include "cli/CliOutput.h"
+#include "cli/CommandLine.h"
+#include "cli/ExitCodes.h"
 #include "list/AddFilesModule.h"
 #include "list/ListFunctions.h"
 #include "list/ListTotals.h"
 #include "list/MainModel.h"
 #include "media/ListType.h"
 #include "platform/FileHelpers.h"
+#include "platform/InterruptWatcher.h"
 
 namespace {
 
@@ -168,6 +173,21 @@ void checkListRows(MainModel& model) {
 }
 
 }  // namespace
+
+std::optional<int> MakeCommandList(CliContext& cli, MainModel& model) {
+    const SourceList list = MakeListFromSources(model, cli.options.paths, cli.options.listType);
+    if (cli.interrupts.signalNumber() != 0) {
+        return InterruptWatcher::ExitStatusFor(cli.interrupts.signalNumber());
+    }
+    if (!list.error.isEmpty()) {
+        cli.output.error(list.error);
+        return ExitCode::kUsage;
+    }
+    for (const QString& warning : list.warnings) {
+        cli.output.warning(warning);
+    }
+    return std::nullopt;
+}
 
 QString ListTypeOfFileName(const QString& path) {
     const QString name = QFileInfo(path).fileName();

@@ -2,7 +2,9 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 
+struct CliContext;
 struct MainModel;
 
 // The list that the sources of a command make, through the routines the
@@ -29,6 +31,11 @@ struct SourceList {
 // checked against the first before it returns.
 SourceList MakeListFromSources(MainModel& model, const QStringList& sources,
                                const QString& typeAsked);
+
+// The list of the command's sources (its options' paths and type) made in the
+// model, with its warnings given: the exit status when the command ends
+// there (an interrupt, or sources that make no list), else nothing.
+std::optional<int> MakeCommandList(CliContext& cli, MainModel& model);
 
 // The list type a file's name stands for ("MP3" for *.mp3, "MPEG" for the
 // MPEG patterns), or the empty text.
