@@ -10,23 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "FuzzPieces.h"
 #include "mpegaudio/JoinSources.h"
 #include "mpegaudio/JoinedTag.h"
 #include "mpegaudio/TagBytes.h"
 
 namespace {
-
-std::vector<std::string_view> pieces(std::string_view data) {
-    std::vector<std::string_view> result;
-    for (;;) {
-        const std::size_t at = data.find("@@@@");
-        result.push_back(data.substr(0, at));
-        if (at == std::string_view::npos) {
-            return result;
-        }
-        data.remove_prefix(at + 4);
-    }
-}
 
 TagLib::ByteVector bytesOf(std::string_view piece) {
     return TagLib::ByteVector(piece.data(), static_cast<unsigned int>(piece.size()));
@@ -36,7 +25,7 @@ TagLib::ByteVector bytesOf(std::string_view piece) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<std::string_view> parts =
-        pieces(std::string_view(reinterpret_cast<const char*>(data), size));
+        FuzzPieces(std::string_view(reinterpret_cast<const char*>(data), size));
     std::vector<JoinSource> sources;
     ParseJoinSources(std::string(parts[0]), sources);
 

@@ -27,6 +27,7 @@
 #include <string_view>
 #include <vector>
 
+#include "FuzzPieces.h"
 #include "mpegaudio/JoinSources.h"
 #include "mpegaudio/Mp3Fixer.h"
 #include "mpegaudio/Mp3HeaderFrame.h"
@@ -72,18 +73,6 @@ public:
 private:
     std::string path_;
 };
-
-std::vector<std::string_view> pieces(std::string_view data) {
-    std::vector<std::string_view> result;
-    for (;;) {
-        const std::size_t at = data.find("@@@@");
-        result.push_back(data.substr(0, at));
-        if (at == std::string_view::npos) {
-            return result;
-        }
-        data.remove_prefix(at + 4);
-    }
-}
 
 void writeFile(const std::string& path, std::string_view bytes) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -179,7 +168,7 @@ void checkOutput(const std::string& output, bool addsUp, std::size_t sources,
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const WorkFolder folder;
     std::vector<std::string_view> parts =
-        pieces(std::string_view(reinterpret_cast<const char*>(data), size));
+        FuzzPieces(std::string_view(reinterpret_cast<const char*>(data), size));
     if (parts.size() > kMostSources + 1) {
         parts.resize(kMostSources + 1);
     }
