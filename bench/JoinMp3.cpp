@@ -29,6 +29,7 @@
 #include <memory>
 
 #include "BenchDoubles.h"
+#include "FfmpegRun.h"
 #include "app/AppPaths.h"
 #include "join/JoinProgress.h"
 #include "join/JoinRun.h"
@@ -73,17 +74,6 @@ QString run(const QString& program, const QStringList& arguments) {
     process.start(program, arguments);
     process.waitForFinished(-1);
     return QString::fromUtf8(process.readAllStandardOutput());
-}
-
-bool ffmpeg(const QStringList& arguments) {
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QStringLiteral("ffmpeg"),
-                  QStringList{QStringLiteral("-nostdin"), QStringLiteral("-y"),
-                              QStringLiteral("-v"), QStringLiteral("error")} +
-                      arguments);
-    return process.waitForFinished(-1) && process.exitCode() == 0;
 }
 
 long long audioFrames(const QString& path) {
@@ -131,41 +121,41 @@ struct JoinBed {
         // Each file carries an ID3v2.4 tag with a front cover, so the join
         // writes the joined file's tag, cover and chapters (on by default).
         const QString cover = dir.path() + QStringLiteral("/cover.jpg");
-        ffmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
-                QStringLiteral("testsrc2=size=500x500:duration=1"), QStringLiteral("-frames:v"),
-                QStringLiteral("1"), cover});
+        RunFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                   QStringLiteral("testsrc2=size=500x500:duration=1"), QStringLiteral("-frames:v"),
+                   QStringLiteral("1"), cover});
         const auto encode = [&](const QString& path, double seconds) {
-            return ffmpeg(QStringList{QStringLiteral("-f"),
-                                      QStringLiteral("lavfi"),
-                                      QStringLiteral("-i"),
-                                      QStringLiteral("anoisesrc=color=pink:amplitude=0.3:"
-                                                     "duration=%1")
-                                          .arg(seconds),
-                                      QStringLiteral("-i"),
-                                      cover,
-                                      QStringLiteral("-map"),
-                                      QStringLiteral("0:a"),
-                                      QStringLiteral("-map"),
-                                      QStringLiteral("1:v"),
-                                      QStringLiteral("-c:v"),
-                                      QStringLiteral("copy"),
-                                      QStringLiteral("-disposition:v"),
-                                      QStringLiteral("attached_pic"),
-                                      QStringLiteral("-metadata:s:v"),
-                                      QStringLiteral("comment=Cover (front)"),
-                                      QStringLiteral("-metadata"),
-                                      QStringLiteral("title=Part"),
-                                      QStringLiteral("-metadata"),
-                                      QStringLiteral("album=Bench Book"),
-                                      QStringLiteral("-metadata"),
-                                      QStringLiteral("artist=Velmora"),
-                                      QStringLiteral("-ac"),
-                                      QStringLiteral("2"),
-                                      QStringLiteral("-ar"),
-                                      QStringLiteral("44100"),
-                                      QStringLiteral("-c:a"),
-                                      QStringLiteral("libmp3lame")} +
-                          codec + QStringList{path});
+            return RunFfmpeg(QStringList{QStringLiteral("-f"),
+                                         QStringLiteral("lavfi"),
+                                         QStringLiteral("-i"),
+                                         QStringLiteral("anoisesrc=color=pink:amplitude=0.3:"
+                                                        "duration=%1")
+                                             .arg(seconds),
+                                         QStringLiteral("-i"),
+                                         cover,
+                                         QStringLiteral("-map"),
+                                         QStringLiteral("0:a"),
+                                         QStringLiteral("-map"),
+                                         QStringLiteral("1:v"),
+                                         QStringLiteral("-c:v"),
+                                         QStringLiteral("copy"),
+                                         QStringLiteral("-disposition:v"),
+                                         QStringLiteral("attached_pic"),
+                                         QStringLiteral("-metadata:s:v"),
+                                         QStringLiteral("comment=Cover (front)"),
+                                         QStringLiteral("-metadata"),
+                                         QStringLiteral("title=Part"),
+                                         QStringLiteral("-metadata"),
+                                         QStringLiteral("album=Bench Book"),
+                                         QStringLiteral("-metadata"),
+                                         QStringLiteral("artist=Velmora"),
+                                         QStringLiteral("-ac"),
+                                         QStringLiteral("2"),
+                                         QStringLiteral("-ar"),
+                                         QStringLiteral("44100"),
+                                         QStringLiteral("-c:a"),
+                                         QStringLiteral("libmp3lame")} +
+                             codec + QStringList{path});
         };
         encode(probe, 20);
         const double perSecond = QFileInfo(probe).size() / 20.0;
@@ -425,9 +415,9 @@ void BM_FfmpegConcat(benchmark::State& state) {
             bed.clearOutputs();
             QElapsedTimer timer;
             timer.start();
-            ffmpeg({QStringLiteral("-f"), QStringLiteral("concat"), QStringLiteral("-safe"),
-                    QStringLiteral("0"), QStringLiteral("-i"), list, QStringLiteral("-c"),
-                    QStringLiteral("copy"), bed.output});
+            RunFfmpeg({QStringLiteral("-f"), QStringLiteral("concat"), QStringLiteral("-safe"),
+                       QStringLiteral("0"), QStringLiteral("-i"), list, QStringLiteral("-c"),
+                       QStringLiteral("copy"), bed.output});
             const double taken = timer.nsecsElapsed() / 1e9;
             elapsed = round == 0 ? taken : std::min(elapsed, taken);
         }

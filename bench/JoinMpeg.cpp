@@ -36,6 +36,7 @@
 #include <memory>
 
 #include "BenchDoubles.h"
+#include "FfmpegRun.h"
 #include "app/AppPaths.h"
 #include "join/JoinRun.h"
 #include "join/JoinScripts.h"
@@ -85,17 +86,6 @@ public:
         dialog.fileTitle = QFileInfo(output).fileName();
     }
 };
-
-bool ffmpeg(const QStringList& arguments) {
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QStringLiteral("ffmpeg"),
-                  QStringList{QStringLiteral("-nostdin"), QStringLiteral("-y"),
-                              QStringLiteral("-v"), QStringLiteral("error")} +
-                      arguments);
-    return process.waitForFinished(-1) && process.exitCode() == 0;
-}
 
 // The codec of every stream of a file in ffprobe, in order ("mpeg2video,ac3,mp2").
 QString streamsOf(const QString& path) {
@@ -262,12 +252,12 @@ struct MpegBed {
         // The MP2 track of the second title starts at the time its bytes reach
         // the place asked for; the clock runs on over the title.
         const QString lateSeconds = QString::number(lateStreamAt() / clipBytesPerSecond, 'f', 3);
-        if (!ffmpeg({"-stream_loop", loop, "-i", clip, "-map", "0:v", "-map", "0:a", "-c", "copy",
-                     "-fs", size, "-f", "dvd", first}) ||
-            !ffmpeg({"-stream_loop", loop,    "-i",   clip,    "-itsoffset", lateSeconds,
-                     "-stream_loop", loop,    "-i",   clip,    "-map",       "0:v",
-                     "-map",         "0:a:0", "-map", "1:a:1", "-c",         "copy",
-                     "-copyts",      "-fs",   size,   "-f",    "dvd",        late})) {
+        if (!RunFfmpeg({"-stream_loop", loop, "-i", clip, "-map", "0:v", "-map", "0:a", "-c",
+                        "copy", "-fs", size, "-f", "dvd", first}) ||
+            !RunFfmpeg({"-stream_loop", loop,    "-i",   clip,    "-itsoffset", lateSeconds,
+                        "-stream_loop", loop,    "-i",   clip,    "-map",       "0:v",
+                        "-map",         "0:a:0", "-map", "1:a:1", "-c",         "copy",
+                        "-copyts",      "-fs",   size,   "-f",    "dvd",        late})) {
             error = QStringLiteral("ffmpeg could not make the titles");
             return;
         }
@@ -280,26 +270,26 @@ struct MpegBed {
     // picture up to it) with an AC-3 and an MP2 track, in a DVD program stream.
     static bool makeClip(const QString& path) {
         const QString seconds = QString::number(kClipSeconds);
-        return ffmpeg({"-f",       "lavfi",
-                       "-i",       "testsrc=size=720x576:rate=25:duration=" + seconds,
-                       "-f",       "lavfi",
-                       "-i",       "sine=frequency=440:sample_rate=48000:duration=" + seconds,
-                       "-f",       "lavfi",
-                       "-i",       "sine=frequency=550:sample_rate=48000:duration=" + seconds,
-                       "-map",     "0",
-                       "-map",     "1",
-                       "-map",     "2",
-                       "-c:v",     "mpeg2video",
-                       "-b:v",     "8000k",
-                       "-minrate", "8000k",
-                       "-maxrate", "8000k",
-                       "-bufsize", "1835k",
-                       "-c:a:0",   "ac3",
-                       "-b:a:0",   "192k",
-                       "-c:a:1",   "mp2",
-                       "-b:a:1",   "192k",
-                       "-f",       "dvd",
-                       path});
+        return RunFfmpeg({"-f",       "lavfi",
+                          "-i",       "testsrc=size=720x576:rate=25:duration=" + seconds,
+                          "-f",       "lavfi",
+                          "-i",       "sine=frequency=440:sample_rate=48000:duration=" + seconds,
+                          "-f",       "lavfi",
+                          "-i",       "sine=frequency=550:sample_rate=48000:duration=" + seconds,
+                          "-map",     "0",
+                          "-map",     "1",
+                          "-map",     "2",
+                          "-c:v",     "mpeg2video",
+                          "-b:v",     "8000k",
+                          "-minrate", "8000k",
+                          "-maxrate", "8000k",
+                          "-bufsize", "1835k",
+                          "-c:a:0",   "ac3",
+                          "-b:a:0",   "192k",
+                          "-c:a:1",   "mp2",
+                          "-b:a:1",   "192k",
+                          "-f",       "dvd",
+                          path});
     }
 
     void enter() const {

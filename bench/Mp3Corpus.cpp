@@ -1,9 +1,10 @@
 #include "Mp3Corpus.h"
 
+#include "FfmpegRun.h"
+
 #include <unistd.h>
 
 #include <QFile>
-#include <QProcess>
 #include <fstream>
 #include <string>
 
@@ -12,13 +13,6 @@ namespace {
 // The tags a master file carries: none; an ID3v2.4 tag with a front cover
 // and no ID3v1 tag, as encoders and rippers write them today; an ID3v1 tag.
 enum class Tags { None, Id3v24WithCover, Id3v1 };
-
-bool Run(const QStringList& args) {
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"),
-                 QStringList{"-nostdin", "-y", "-loglevel", "error"} + args);
-    return ffmpeg.waitForFinished(120000) && ffmpeg.exitCode() == 0;
-}
 
 bool Encode(const QString& path, int kbps, int rate, int channels, double seconds, Tags tags,
             const QString& cover) {
@@ -52,7 +46,7 @@ bool Encode(const QString& path, int kbps, int rate, int channels, double second
             break;
     }
     args += {"-f", "mp3", path};
-    return Run(args);
+    return RunFfmpeg(args);
 }
 
 bool CopyOf(const QString& master, const QString& path) {
@@ -76,8 +70,8 @@ Mp3Corpus::Mp3Corpus(int files) {
                           {64, 32000, 1, 60, Tags::Id3v24WithCover}};
     // A cover of a usual size (about 40 KB).
     const QString cover = dir_.filePath(QStringLiteral("cover.jpg.src"));
-    if (!Run({"-f", "lavfi", "-i", "testsrc2=size=500x500:duration=1", "-frames:v", "1", "-f",
-              "image2", "-c:v", "mjpeg", "-q:v", "3", cover})) {
+    if (!RunFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=500x500:duration=1", "-frames:v", "1", "-f",
+                    "image2", "-c:v", "mjpeg", "-q:v", "3", cover})) {
         return;
     }
     QStringList masters;
